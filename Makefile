@@ -1,0 +1,80 @@
+# Short commands for the usual jobs. What they build and how stands in CMakePresets.json.
+FILE ?= tests/data/metadata.doc
+WERROR ?= OFF
+JOBS := $(shell nproc)
+KELST := build/release/tools/kelst
+FOLDERS := $(wildcard base compound property storage tools tests bench fuzz examples)
+
+# $(call quiet,NAME,COMMAND): the output goes to build/NAME.log, which is shown on failure only.
+define quiet
+	@mkdir -p build && echo "$(1) (build/$(1).log)"
+	@{ $(2); } >build/$(1).log 2>&1 || { cat build/$(1).log; echo "$(1) failed"; exit 1; }
+endef
+# $(call build,PRESET,ARGUMENTS OF CMAKE)
+build = $(call quiet,build-$(1),cmake --preset $(1) $(2) && cmake --build --preset $(1))
+# $(call test,PRESET): the closing lines, or all but the passed tests when one failed.
+define test
+	@ctest --preset $(1) -j$(JOBS) >build/test-$(1).log 2>&1 || \
+	  { grep -vE ' Passed |^ +Start ' build/test-$(1).log; exit 1; }
+	@grep -E 'tests passed|Total Test time' build/test-$(1).log
+endef
+
+.PHONY: help run test asan tsan clang lint format format-check coverage check clean
+help: ## this list
+	@sed -nE 's/^([a-z-]+):.*## /make \1\t/p' Makefile | expand -t 22
+
+run: ## build kelst and show what is in a compound file; FILE=path chooses the file
+	@scripts/install-packages run
+	@# A configured folder is kept as it is; a new one must not need the packages of the tests.
+	$(call quiet,build-kelst,{ [ -f build/release/build.ninja ] || \
+	  cmake --preset release -DKELX_BUILD_TESTS=OFF; } && \
+	  cmake --build --preset release --target kelst)
+	@$(KELST) info "$(FILE)"
+	@$(KELST) ls "$(FILE)"
+
+test: ## build everything and run every test
+	@scripts/install-packages run test
+	$(call build,release,-DKELX_BUILD_TESTS=ON -DKELX_WERROR=$(WERROR))
+	$(call test,release)
+
+asan: ## every test under the address and undefined-behaviour sanitizers
+	@scripts/install-packages run test
+	$(call build,asan)
+	$(call test,asan)
+
+tsan: ## the tests of threads under the thread sanitizer
+	@scripts/install-packages run test
+	$(call build,tsan)
+	$(call test,tsan)
+
+clang: ## build with clang++, warnings being errors, and compile every public header alone
+	@scripts/install-packages run test lint
+	$(call build,clang)
+
+lint: clang ## clang-tidy over the libraries and the tool
+	$(call quiet,clang-tidy,run-clang-tidy -quiet -p build/clang -j$(JOBS) \
+	  '^$(CURDIR)/(base|compound|property|storage|tools)/')
+
+format: ## format every source
+	@scripts/install-packages lint
+	@find $(FOLDERS) *.h -name '*.h' -o -name '*.cpp' | xargs clang-format -i
+
+format-check: ## fail when a source is not formatted
+	@scripts/install-packages lint
+	@find $(FOLDERS) *.h -name '*.h' -o -name '*.cpp' | xargs clang-format --dry-run --Werror
+
+coverage: ## lines of the library that the tests reach, of each file in build/coverage.txt
+	@scripts/install-packages run test coverage
+	$(call build,coverage)
+	@find build/coverage -name '*.gcda' -delete
+	$(call test,coverage)
+	@gcovr --root . --object-directory build/coverage --exclude-directories '.*CompilerId.*' \
+	  --filter '(base|compound|property|storage)/' --txt build/coverage.txt --print-summary \
+	  --fail-under-line 95
+
+check: ## all that must hold before a change is merged
+	@$(MAKE) --no-print-directory test WERROR=ON
+	@$(MAKE) --no-print-directory asan tsan lint format-check
+
+clean: ## remove all that was built
+	rm -rf build

@@ -1,0 +1,8 @@
+# Usage requirements of this project's own targets. Nothing here reaches a consumer.
+add_library(kelx_options INTERFACE)
+target_include_directories(kelx_options INTERFACE ${PROJECT_SOURCE_DIR})
+# Files up to 4 GiB, also where off_t has 32 bits unless asked.
+target_compile_definitions(kelx_options INTERFACE _FILE_OFFSET_BITS=64)
+target_compile_options(
+  kelx_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+                         $<$<BOOL:${KELX_WERROR}>:-Werror>)

@@ -1,0 +1,89 @@
+#include <algorithm>
+#include <span>
+
+#include "compound/ByteCursor.h"
+#include "compound/KELReadValue.h"
+#include "compound/KELStStorageFileInfo.h"
+#include "compound/SectorChain.h"
+
+using kelx::internal::SectorChain;
+using kelx::internal::SectorRuns;
+
+namespace {
+
+constexpr std::uint64_t kLongestRead = 256;  // sectors of a table that are read at once
+
+/// What the FAT may hold beyond the length of the file, in bytes. A FAT is a small part of a
+/// well-formed file; only a DIFAT that lists sectors again and again makes it larger.
+constexpr std::uint64_t kFatAllowance = std::uint64_t{64} << 20;
+
+bool IsFatSector(unsigned int sector) {
+  return sector != kelx::internal::kEndOfChain && sector != kelx::internal::kFreeSector;
+}
+
+}  // namespace
+
+unsigned long KELStStorageFileInfo::getEquivalentFatBytePos(unsigned int sector) const {
+  const unsigned int distance = sector << header_.sectorShift;
+  const long base = long{header_.sectorBase} + KELStStorageHeader::kDifatOffset;
+  return static_cast<unsigned long>(base + long{distance});
+}
+
+unsigned int KELStStorageFileInfo::getEquivalentMiniFatBytePos(unsigned int sector) const {
+  return sector << header_.miniSectorShift;
+}
+
+/// Appends the entries of `sectorCount` neighbouring sectors to `table`.
+void KELStStorageFileInfo::ReadTable(std::FILE* file, unsigned int firstSector,
+                                     unsigned int sectorCount,
+                                     KELXDynamicArray<unsigned int>& table) const {
+  const std::size_t entries = std::size_t{sectorCount} * SectorSize() / sizeof(unsigned int);
+  unsigned int* const slots = table.Extend(static_cast<int>(entries));
+  if (slots == nullptr) return;
+  KELReadBytes(file, static_cast<std::int64_t>(getEquivalentFatBytePos(firstSector)),
+               std::int64_t{sectorCount} * SectorSize(), reinterpret_cast<unsigned char*>(slots));
+  kelx::internal::OrderBytes(std::span(slots, entries), sameByteOrder_);
+}
+
+void KELStStorageFileInfo::readDifSector(std::FILE* file) {
+  if (file == nullptr || header_.difStartSect == kelx::internal::kEndOfChain) return;
+  const auto lastEntry = [this, file](unsigned int sector) -> std::optional<unsigned int> {
+    unsigned int next = 0;
+    KELSetPosition(file, getEquivalentFatBytePos(sector) + SectorSize() - sizeof(next));
+    KELReadUINT(file, next, sameByteOrder_);
+    return next;
+  };
+  const std::uint64_t stated = header_.numDifSects;
+  const SectorChain chain(header_.difStartSect, std::min(stated, getLongestChain()), lastEntry);
+  std::uint64_t sectorsRead = 0;
+  chain.ForEach([&](unsigned int sector) {
+    KELXDynamicArray<unsigned int> entries;
+    ReadTable(file, sector, 1, entries);
+    const bool isLast = ++sectorsRead == stated;
+    difSector_.Append(entries.begin(), entries.Count() - (isLast ? 0 : 1));
+  });
+}
+
+void KELStStorageFileInfo::readFatSector(std::FILE* file) {
+  if (file == nullptr || header_.headerDifSect == nullptr) return;
+  std::uint64_t room = (fileLength_ + kFatAllowance) / SectorSize();
+  SectorRuns runs(header_.sectorShift, kLongestRead, [&](unsigned int first, unsigned int count) {
+    ReadTable(file, first, count, fatSector_);
+  });
+  const auto add = [&](unsigned int sector) {
+    if (!IsFatSector(sector) || room == 0) return;
+    --room;
+    runs.Add(sector);
+  };
+  std::ranges::for_each(std::span(header_.headerDifSect, KELStStorageHeader::kDifatEntries), add);
+  std::ranges::for_each(difSector_, add);
+}
+
+void KELStStorageFileInfo::readMiniFatSector(std::FILE* file) {
+  if (file == nullptr || header_.miniFatStartSect == kelx::internal::kEndOfChain) return;
+  SectorRuns runs(header_.sectorShift, kLongestRead, [&](unsigned int first, unsigned int count) {
+    ReadTable(file, first, count, miniFatSector_);
+  });
+  kelx::internal::TableChain(header_.miniFatStartSect, getLongestChain(), fatSector_)
+      .ForEach([&](unsigned int sector) { runs.Add(sector); });
+}

@@ -1,0 +1,5 @@
+#include "property/KELIPropertySetStorage.h"
+
+KELIPropertySetStorage::KELIPropertySetStorage() : KELXReferenceCount(0) {}
+
+KELIPropertySetStorage::~KELIPropertySetStorage() = default;

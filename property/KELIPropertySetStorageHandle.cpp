@@ -1,0 +1,3 @@
+#include "property/KELIPropertySetStorageHandle.h"
+
+KELIPropertySetStorageHandle::~KELIPropertySetStorageHandle() = default;
