@@ -11,7 +11,8 @@ using kelx::internal::SectorRuns;
 
 namespace {
 
-constexpr std::uint64_t kLongestRead = 256;  // sectors of a table that are read at once
+constexpr unsigned int kMiniSectorSize = 64;  // in every header that is accepted
+constexpr std::uint64_t kLongestRead = 256;   // sectors of a table that are read at once
 
 /// What the FAT may hold beyond the length of the file, in bytes. A FAT is a small part of a
 /// well-formed file; only a DIFAT that lists sectors again and again makes it larger.
@@ -24,13 +25,13 @@ bool IsFatSector(unsigned int sector) {
 }  // namespace
 
 unsigned long KELStStorageFileInfo::getEquivalentFatBytePos(unsigned int sector) const {
-  const unsigned int distance = sector << header_.sectorShift;
+  const unsigned int distance = sector << SectorShift();
   const long base = long{header_.sectorBase} + KELStStorageHeader::kDifatOffset;
   return static_cast<unsigned long>(base + long{distance});
 }
 
 unsigned int KELStStorageFileInfo::getEquivalentMiniFatBytePos(unsigned int sector) const {
-  return sector << header_.miniSectorShift;
+  return sector * kMiniSectorSize;
 }
 
 /// Appends the entries of `sectorCount` neighbouring sectors to `table`.
@@ -67,7 +68,7 @@ void KELStStorageFileInfo::readDifSector(std::FILE* file) {
 void KELStStorageFileInfo::readFatSector(std::FILE* file) {
   if (file == nullptr || header_.headerDifSect == nullptr) return;
   std::uint64_t room = (fileLength_ + kFatAllowance) / SectorSize();
-  SectorRuns runs(header_.sectorShift, kLongestRead, [&](unsigned int first, unsigned int count) {
+  SectorRuns runs(SectorSize(), kLongestRead, [&](unsigned int first, unsigned int count) {
     ReadTable(file, first, count, fatSector_);
   });
   const auto add = [&](unsigned int sector) {
@@ -81,7 +82,7 @@ void KELStStorageFileInfo::readFatSector(std::FILE* file) {
 
 void KELStStorageFileInfo::readMiniFatSector(std::FILE* file) {
   if (file == nullptr || header_.miniFatStartSect == kelx::internal::kEndOfChain) return;
-  SectorRuns runs(header_.sectorShift, kLongestRead, [&](unsigned int first, unsigned int count) {
+  SectorRuns runs(SectorSize(), kLongestRead, [&](unsigned int first, unsigned int count) {
     ReadTable(file, first, count, miniFatSector_);
   });
   kelx::internal::TableChain(header_.miniFatStartSect, getLongestChain(), fatSector_)

@@ -66,7 +66,7 @@ void KELStStorageFileInfo::readDirectorySector(std::FILE* file) {
   dirArray_.Reserve(dirArray_.Count() + static_cast<int>(entries));
   std::vector<unsigned char> bytes;
   kelx::internal::SectorRuns runs(
-      header_.sectorShift, kBytesARead / SectorSize(), [&](unsigned int first, unsigned int count) {
+      SectorSize(), kBytesARead / SectorSize(), [&](unsigned int first, unsigned int count) {
         bytes.resize(std::size_t{count} * SectorSize());
         KELReadBytes(file, static_cast<std::int64_t>(getEquivalentFatBytePos(first)),
                      static_cast<std::int64_t>(bytes.size()), bytes.data());

@@ -162,6 +162,7 @@ void KELStStorageFileInfo::setHeader(std::FILE* file) {
   header_.headerDifSect = headerDifat_.get();
 }
 
-unsigned int KELStStorageFileInfo::SectorSize() const {
-  return IsSectorShift(header_.sectorShift) ? 1U << header_.sectorShift : 1U << kSmallSectorShift;
+/// The sector shift, also where a refused header states one that nothing can be computed with.
+unsigned int KELStStorageFileInfo::SectorShift() const {
+  return IsSectorShift(header_.sectorShift) ? header_.sectorShift : kSmallSectorShift;
 }

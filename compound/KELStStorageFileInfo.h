@@ -118,7 +118,8 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
   void ReadFatSectors(std::FILE* file, KELXDynamicArray<unsigned int>& sectors);
   void ReadTable(std::FILE* file, unsigned int firstSector, unsigned int sectorCount,
                  KELXDynamicArray<unsigned int>& table) const;
-  [[nodiscard]] unsigned int SectorSize() const;
+  [[nodiscard]] unsigned int SectorShift() const;
+  [[nodiscard]] unsigned int SectorSize() const { return 1U << SectorShift(); }
   [[nodiscard]] const KELStStorageDirEntry* RootEntry() const;
 
   KELXFilePath path_;

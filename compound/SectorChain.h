@@ -104,16 +104,16 @@ class SectorChain {
 template <typename Visit>
 class SectorRuns {
  public:
-  /// Calls `visit(first, count)` for each run of at most `longest` sectors of 2 to the power
-  /// `shift` bytes. Positions have 32 bits: a run also ends where they wrap around.
-  SectorRuns(unsigned int shift, std::uint64_t longest, Visit visit)
-      : shift_(shift), longest_(longest), visit_(visit) {}
+  /// Calls `visit(first, count)` for each run of at most `longest` sectors of `sectorSize` bytes.
+  /// Positions have 32 bits: a run also ends where they wrap around.
+  SectorRuns(unsigned int sectorSize, std::uint64_t longest, Visit visit)
+      : sectorSize_(sectorSize), longest_(longest), visit_(visit) {}
   SectorRuns(const SectorRuns&) = delete;
   SectorRuns& operator=(const SectorRuns&) = delete;
   ~SectorRuns() { Finish(); }
 
   void Add(unsigned int sector) {
-    const bool isNext = sector == first_ + count_ && sector << shift_ != 0 && count_ < longest_;
+    const bool isNext = sector == first_ + count_ && sector * sectorSize_ != 0 && count_ < longest_;
     if (!isNext) Finish();
     if (count_++ == 0) first_ = sector;
   }
@@ -124,7 +124,7 @@ class SectorRuns {
     count_ = 0;
   }
 
-  unsigned int shift_;
+  unsigned int sectorSize_;
   std::uint64_t longest_;
   Visit visit_;
   unsigned int first_ = 0;

@@ -26,12 +26,12 @@ int BytesWanted(const KELStStorageDirEntry& entry) { return static_cast<int>(ent
 bool AppendMiniSectors(const KELStStorageFileInfo& image, const FileChain& chain, int wanted,
                        KELXDynamicArray<unsigned char>& bytes) {
   const KELXDynamicArray<unsigned char> miniStream = image.getMiniStream();
-  const unsigned int shift = image.getHeader().miniSectorShift;
-  bytes.Reserve(BytesInChain(chain.Length(), shift, wanted));
+  const unsigned int sectorSize = image.getEquivalentMiniFatBytePos(1);
+  bytes.Reserve(BytesInChain(chain.Length(), sectorSize, wanted));
   bool isWhole = true;
   chain.ForEach([&](unsigned int sector) {
     const std::uint64_t start = image.getEquivalentMiniFatBytePos(sector);
-    const int chunk = BytesInChain(1, shift, wanted - bytes.Count());
+    const int chunk = BytesInChain(1, sectorSize, wanted - bytes.Count());
     const std::uint64_t end = start + static_cast<std::uint64_t>(std::max(chunk, 0));
     isWhole = isWhole && chunk != 0 && end <= static_cast<std::uint64_t>(miniStream.Count());
     if (isWhole) bytes.Append(miniStream.begin() + start, chunk);
@@ -59,10 +59,10 @@ int KELIStorage::getStreamFromFat(const KELStStorageDirEntry& entry, KELIStream*
 int KELIStorage::getStreamFromMiniFat(const KELStStorageDirEntry& entry, KELIStream** stream) {
   if (stream == nullptr || !image_) return -1;
   const KELXDynamicArray<unsigned int> miniFat = image_->getMiniFatSector();
-  const unsigned int shift = image_->getHeader().miniSectorShift;
+  const auto sectorSize = static_cast<int>(image_->getEquivalentMiniFatBytePos(1));
   const int wanted = BytesWanted(entry);
   // One mini sector more than the size needs is enough to tell that a chain is too long.
-  const int mostSectors = wanted < 0 ? miniFat.Count() + 1 : (wanted >> shift) + 2;
+  const int mostSectors = wanted < 0 ? miniFat.Count() + 1 : wanted / sectorSize + 2;
   const FileChain chain = kelx::internal::TableChain(
       entry.getStartSect(), static_cast<std::uint64_t>(mostSectors), miniFat);
   *stream = new KELIStream(0);

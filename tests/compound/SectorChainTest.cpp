@@ -73,7 +73,7 @@ TEST(SectorRuns, JoinNeighbours) {
   const auto runsOf = [](std::vector<unsigned int> sectors, std::uint64_t longest) {
     Runs runs;
     {
-      kelx::internal::SectorRuns gather(9, longest, [&](unsigned int first, unsigned int count) {
+      kelx::internal::SectorRuns gather(512, longest, [&](unsigned int first, unsigned int count) {
         runs.emplace_back(first, count);
       });
       for (const unsigned int sector : sectors) gather.Add(sector);
