@@ -1,0 +1,98 @@
+#include "tools/kelst/CompoundFile.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "tools/kelst/EntryName.h"
+#include "tools/kelst/OpenedFile.h"
+#include "tools/kelst/Refusal.h"
+#include "tools/kelst/Sectors.h"
+
+namespace kelst {
+
+namespace {
+
+std::string SystemMessage() { return std::generic_category().message(errno); }
+
+/// The empty string when `path` leads to a file that can be read; else why not. `size` is its size.
+std::string WhyNotOpened(const std::string& path, std::uint64_t& size) {
+  struct stat facts {};
+  if (stat(path.c_str(), &facts) != 0) return SystemMessage();
+  if (S_ISDIR(facts.st_mode)) return "is a directory";
+  if (!S_ISREG(facts.st_mode)) return "is not a regular file";
+  size = static_cast<std::uint64_t>(facts.st_size);
+  return OpenForReading(KELXFilePath(path.c_str())) ? "" : SystemMessage();
+}
+
+}  // namespace
+
+CompoundFile::CompoundFile(const std::string& path, std::uint64_t size,
+                           std::unique_ptr<KELIStorage> root)
+    : name_(Printable(path)),
+      size_(size),
+      root_(std::move(root)),
+      directory_(Image()),
+      tree_(directory_) {
+  const KELStStorageFileInfo& image = Image();
+  ForEachSector(
+      image.getFatSector(), image.getMiniStreamStartSect(), image.getHeader().sectorShift,
+      static_cast<std::uint64_t>(image.getMiniStream().Count()),
+      [this](unsigned int sector, std::uint64_t) { miniStreamSectors_.push_back(sector); });
+}
+
+std::string CompoundFile::Utf8Path() const {
+  return KELXString::fromUtf8(Image().GetFilePath().toUtf8()).toUtf8();
+}
+
+std::uint64_t CompoundFile::MiniSectorOffset(unsigned int miniSector) const {
+  const std::uint64_t offset = Image().getEquivalentMiniFatBytePos(miniSector);
+  const unsigned int shift = Image().getHeader().sectorShift;
+  if (offset >> shift >= miniStreamSectors_.size()) return UINT64_MAX;
+  const unsigned int sector = miniStreamSectors_[offset >> shift];
+  return Image().getEquivalentFatBytePos(sector) + offset % (std::uint64_t{1} << shift);
+}
+
+std::unique_ptr<CompoundFile> CompoundFile::Open(const std::string& path, Report& report) {
+  const auto refuse = [&](const std::string& reason) {
+    report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + reason);
+    return nullptr;
+  };
+  std::uint64_t size = 0;
+  const std::string reason = WhyNotOpened(path, size);
+  if (!reason.empty()) return refuse(reason);
+  auto root = std::make_unique<KELIStorage>(KELXFilePath(path.c_str()));
+  const KELStStorageFileInfo& image = *root->getStStorageFileInfo();
+  if (!image.checkValidity()) {
+    return refuse("not a compound file: " + WhyRefused(image.getHeader(), size));
+  }
+  return std::unique_ptr<CompoundFile>(new CompoundFile(path, size, std::move(root)));
+}
+
+void CompoundFile::ReportProblems(Report& report) const {
+  for (const std::string& problem : tree_.Problems()) {
+    report.Fail(ExitCode::kFailed, name_ + ": " + problem);
+  }
+  const std::size_t more = tree_.ProblemCount() - tree_.Problems().size();
+  if (more == 0) return;
+  report.Fail(ExitCode::kFailed, name_ + ": " + std::to_string(more) + " more of such problems");
+}
+
+std::optional<std::size_t> CompoundFile::Find(const std::string& path, std::string_view what,
+                                              Report& report) const {
+  const auto pattern = ParseEntryPath(path);
+  if (!pattern) {
+    report.Fail(ExitCode::kUsage, "\"" + Printable(path) + "\" is not a path as ls prints it");
+    return std::nullopt;
+  }
+  const Lookup found = tree_.Find(*pattern);
+  if (found.position) return found.position;
+  std::string message = name_ + ": no " + std::string(what) + " named \"" + Printable(path) + '"';
+  if (!found.suggestion.empty()) message += " (is it \"" + found.suggestion + "\"?)";
+  report.Fail(ExitCode::kFailed, message);
+  return std::nullopt;
+}
+
+}  // namespace kelst

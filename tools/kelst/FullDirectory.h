@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "KELXStStorage.h"
+
+namespace kelst {
+
+/// What the library keeps to itself of a directory entry, or keeps in part.
+struct FullEntry {
+  std::u16string name;                    ///< as long as the entry says, at most 32 units
+  std::array<unsigned char, 16> classId;  ///< as stored
+  std::uint32_t stateBits;
+  std::uint64_t created;   ///< 100 ns units since 1601-01-01T00:00:00Z; 0 when not recorded
+  std::uint64_t modified;  ///< the same
+};
+
+/// The directory of a compound file, with all that its entries hold.
+class FullDirectory {
+ public:
+  /// Reads the file of `image` again.
+  explicit FullDirectory(const KELStStorageFileInfo& image);
+
+  [[nodiscard]] std::uint32_t Count() const { return static_cast<std::uint32_t>(full_.size()); }
+
+  /// The entry with a directory index below Count(), as the library has it and in full.
+  [[nodiscard]] const KELStStorageDirEntry& At(std::uint32_t index) const {
+    return *entries_.At(static_cast<int>(index));
+  }
+  [[nodiscard]] const FullEntry& FullAt(std::uint32_t index) const { return full_[index]; }
+
+ private:
+  const KELXDynamicArray<KELStStorageDirEntry> entries_;
+  std::vector<FullEntry> full_;
+};
+
+}  // namespace kelst
