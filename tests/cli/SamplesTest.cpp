@@ -77,25 +77,6 @@ INSTANTIATE_TEST_SUITE_P(All, SamplesTest,
                                          "pictures.doc", "cells.xls", "installer.msi",
                                          "nested.cfb"));
 
-TEST(InfoTest, TellsHowAFileIsBuilt) {
-  const RunResult result = RunKelst({"info", SampleFile("nested.cfb")});
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out, SampleFile("nested.cfb") +
-                            "\n"
-                            "  size          147,968 bytes (144.5 KiB)\n"
-                            "  version       3 (minor 62)\n"
-                            "  byte order    little-endian\n"
-                            "  sectors       512 bytes\n"
-                            "  mini sectors  64 bytes, for streams below 4,096 bytes\n"
-                            "  mini stream   3,520 bytes (3.4 KiB)\n"
-                            "  FAT           384 entries\n"
-                            "  mini FAT      128 entries\n"
-                            "  DIFAT         0 sectors\n"
-                            "  directory     68 entries: 1 root, 24 storages, 42 streams, 1 empty\n"
-                            "  depth         3 levels\n"
-                            "  content       42 streams, 130,635 bytes (127.6 KiB)\n");
-}
-
 TEST(LsTest, PrintsATreeWithTotals) {
   const RunResult result = RunKelst({"ls", "objects.doc", "ObjectPool/_2147483647"},
                                     StandardOutput::kFile, KELX_TEST_DATA);

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -79,6 +81,13 @@ void Line(Output& out, std::string_view label, const std::string& text) {
   out.Write("  " + std::string(label) + padding + text + '\n');
 }
 
+/// The library reads the versions as the host would, whatever order the file has.
+unsigned short InFileOrder(const KELStStorageHeader& header, unsigned short version) {
+  const auto bytes = std::bit_cast<std::array<unsigned char, sizeof(version)>>(version);
+  KELMakeValue(bytes.data(), &version, sizeof(version), IsHostByteOrder(header));
+  return version;
+}
+
 std::string MiniStreamText(const KELStStorageFileInfo& image) {
   const std::uint64_t stated = image.getMiniStreamLength();
   const std::uint64_t held = CountOf(image.getMiniStream());
@@ -92,9 +101,9 @@ void PrintText(const CompoundFile& file, Output& out) {
   const FullEntry& root = file.Directory().FullAt(0);
   out.Write(file.Name() + '\n');
   Line(out, "size", SizeText(file.Size()));
-  Line(
-      out, "version",
-      std::to_string(header.majorVersion) + " (minor " + std::to_string(header.minorVersion) + ")");
+  Line(out, "version",
+       std::to_string(InFileOrder(header, header.majorVersion)) + " (minor " +
+           std::to_string(InFileOrder(header, header.minorVersion)) + ")");
   Line(out, "byte order", IsHostByteOrder(header) ? "little-endian" : "big-endian");
   Line(out, "sectors", WithUnit(1U << header.sectorShift, "byte"));
   Line(out, "mini sectors",
@@ -122,8 +131,8 @@ void PrintJson(const CompoundFile& file, Output& out) {
   const nlohmann::ordered_json document{
       {"file", file.Utf8Path()},
       {"size", file.Size()},
-      {"majorVersion", header.majorVersion},
-      {"minorVersion", header.minorVersion},
+      {"majorVersion", InFileOrder(header, header.majorVersion)},
+      {"minorVersion", InFileOrder(header, header.minorVersion)},
       {"byteOrder", IsHostByteOrder(header) ? "little-endian" : "big-endian"},
       {"sectorSize", 1U << header.sectorShift},
       {"miniSectorSize", 1U << header.miniSectorShift},
