@@ -1,0 +1,3 @@
+#include "base/KELXPropertyContainerHandle.h"
+
+KELXPropertyContainerHandle::~KELXPropertyContainerHandle() = default;

@@ -1,0 +1,3 @@
+#include "base/KELXPropertyHandle.h"
+
+KELXPropertyHandle::~KELXPropertyHandle() = default;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/KELXExport.h"
+#include "base/KELXProperty.h"
+#include "base/KELXTypedHandle.h"
+
+/// Keeps a property alive.
+class KELXBASE_API KELXPropertyHandle : public KELXTypedHandle<KELXProperty> {
+ public:
+  using KELXTypedHandle::KELXTypedHandle;
+  KELXPropertyHandle(const KELXPropertyHandle& other) = default;
+  KELXPropertyHandle& operator=(const KELXPropertyHandle& other) = default;
+  ~KELXPropertyHandle() override;
+};

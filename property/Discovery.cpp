@@ -1,0 +1,52 @@
+#include <memory>
+
+#include "storage/KELIStorage.h"
+#include "storage/KELIStream.h"
+
+namespace {
+
+/// The first character of the names of property-set streams.
+constexpr wchar_t kPropertyStreamMark = 5;
+
+bool IsPropertyStream(const KELStStorageDirEntry& entry) {
+  return entry.isStream() && entry.getName().startsWith(KELXString(kPropertyStreamMark));
+}
+
+/// The most bytes of property-set streams that are parsed for one storage. Streams share no
+/// sectors in a well-formed file, so all of them together are not longer than the file; the rest
+/// is for small damaged ones. Without a limit thousands of entries could name one large stream.
+std::uint64_t MostBytes(const KELStStorageFileInfo& image) {
+  constexpr std::uint64_t kAllowance = std::uint64_t{16} << 20;
+  return kAllowance + (std::uint64_t{image.getLongestChain()} << image.getHeader().sectorShift);
+}
+
+}  // namespace
+
+KELIPropertySetStorage* KELIStorage::getPropertySetStorage() {
+  if (!propertySets_.IsValid()) {
+    propertySets_ = KELIPropertySetStorageHandle(new KELIPropertySetStorage);
+  }
+  KELXDynamicArray<KELStStorageDirEntry> children;
+  if (propertySets_->GetPropertyStorageCount() > 0 || enumElements(children) != 0) {
+    return propertySets_;
+  }
+  std::uint64_t textAllowance = KELIPropertyStorage::kTextAllowance;
+  std::uint64_t parsed = 0;
+  for (const KELStStorageDirEntry& child : children) {
+    if (!IsPropertyStream(child)) continue;
+    if (parsed > MostBytes(*image_)) break;
+    KELIStream* opened = nullptr;
+    const int status = openStream(child.getName(), &opened);
+    const std::unique_ptr<KELIStream> stream(opened);
+    if (status != 0 || !stream) continue;
+    // The entry may state more bytes than the stream has; the rest counts as zeros.
+    const KELXDynamicArray<unsigned char>& held = stream->bytes_;
+    const KELIPropertyStorageHandle set(new KELIPropertyStorage);
+    parsed += static_cast<std::uint64_t>(held.Count());
+    if (set->Initialize(held.begin(), static_cast<unsigned int>(held.Count()),
+                        static_cast<unsigned int>(stream->entry_.getSize()), textAllowance)) {
+      propertySets_->AddPropertyStorage(set);
+    }
+  }
+  return propertySets_;
+}

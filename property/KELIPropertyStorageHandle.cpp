@@ -1,0 +1,3 @@
+#include "property/KELIPropertyStorageHandle.h"
+
+KELIPropertyStorageHandle::~KELIPropertyStorageHandle() = default;

@@ -1,8 +1,0 @@
-#include "storage/KELIStorage.h"
-
-KELIPropertySetStorage* KELIStorage::getPropertySetStorage() {
-  if (!propertySets_.IsValid()) {
-    propertySets_ = KELIPropertySetStorageHandle(new KELIPropertySetStorage);
-  }
-  return propertySets_;
-}
