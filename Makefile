@@ -31,6 +31,7 @@ run: ## build kelst and show what is in a compound file; FILE=path chooses the f
 	  cmake --build --preset release --target kelst)
 	@$(KELST) info "$(FILE)"
 	@$(KELST) ls "$(FILE)"
+	@$(KELST) props "$(FILE)"
 
 test: ## build everything and run every test
 	@scripts/install-packages run test

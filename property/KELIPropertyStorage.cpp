@@ -114,3 +114,7 @@ KELXString KELIPropertyStorage::ReadMBCSString(unsigned char*& cursor, bool pad)
 void KELIPropertyStorage::GetClassID(unsigned char* out) const {
   std::copy_n(classId_, kGuidBytes, out);
 }
+
+void KELIPropertyStorage::GetSectionID(int section, unsigned char* out) const {
+  std::copy_n(section == 1 ? second_.id : first_.id, kGuidBytes, out);
+}

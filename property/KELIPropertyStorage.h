@@ -160,6 +160,13 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   void GetClassID(unsigned char* out) const;
   [[nodiscard]] unsigned int GetSectionCount() const { return sectionCount_; }
 
+  /// Writes the 16 bytes of a section's own FMTID to `out`: of the second section when `section`
+  /// is 1, else of the first.
+  void GetSectionID(int section, unsigned char* out) const;
+
+  /// How many properties the second section has: after parsing the last ones of the list.
+  [[nodiscard]] int GetExtendedPropertyCount() const { return extendedProperties_.Count(); }
+
   /// The Windows code page of 8-bit texts, from property 1; 0 when there is none.
   [[nodiscard]] unsigned short GetCodePage() const { return codePage_; }
 

@@ -7,38 +7,11 @@ namespace kelst {
 
 namespace {
 
-constexpr std::uint64_t kTicksASecond = 10'000'000;
-constexpr std::uint64_t kSecondsADay = 86'400;
-
 template <typename... Values>
 std::string Format(const char* format, Values... values) {
   std::array<char, 64> text;
   static_cast<void>(std::snprintf(text.data(), text.size(), format, values...));
   return text.data();
-}
-
-constexpr bool IsLeapYear(std::uint64_t year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
-
-struct Date {
-  std::uint64_t year;
-  unsigned int month;
-  unsigned int day;
-};
-
-/// The date that comes `days` days after 1601-01-01, with which a cycle of 400 years begins.
-Date DateOf(std::uint64_t days) {
-  constexpr std::uint64_t kDays400Years = 146'097;
-  std::uint64_t year = 1601 + days / kDays400Years * 400;
-  days %= kDays400Years;
-  const auto daysOf = [](std::uint64_t y) { return IsLeapYear(y) ? 366U : 365U; };
-  for (; days >= daysOf(year); ++year) days -= daysOf(year);
-  std::array<unsigned int, 12> lengths{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  if (IsLeapYear(year)) lengths[1] = 29;
-  unsigned int month = 0;
-  for (; days >= lengths[month]; ++month) days -= lengths[month];
-  return {year, month + 1, static_cast<unsigned int>(days) + 1};
 }
 
 }  // namespace
@@ -65,11 +38,10 @@ std::string SizeText(std::uint64_t bytes) {
 
 std::string TimeText(std::uint64_t time) {
   if (time == 0) return "";
-  const std::uint64_t seconds = time / kTicksASecond;
-  const Date date = DateOf(seconds / kSecondsADay);
-  const auto second = static_cast<unsigned int>(seconds % kSecondsADay);
-  return Format("%04llu-%02u-%02uT%02u:%02u:%02uZ", static_cast<unsigned long long>(date.year),
-                date.month, date.day, second / 3600, second / 60 % 60, second % 60);
+  KELXString text;
+  KELXDate::FormatDate({static_cast<unsigned int>(time), static_cast<unsigned int>(time >> 32)},
+                       text, 1, false);
+  return text.toUtf8();
 }
 
 std::string ClassIdText(const std::array<unsigned char, 16>& id) {

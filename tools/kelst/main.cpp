@@ -37,6 +37,7 @@ void AddCommands(CLI::App& app, Report& report) {
   AddLs(app, report);
   AddCat(app, report);
   AddExtract(app, report);
+  AddProps(app, report);
   app.footer("'kelst COMMAND --help' tells more about a command.\n");
   app.require_subcommand(1);
   SetUp(app);
