@@ -19,7 +19,7 @@ define test
 	@grep -E 'tests passed|Total Test time' build/test-$(1).log
 endef
 
-.PHONY: help run test asan tsan clang lint format format-check coverage check clean
+.PHONY: help run test asan tsan clang lint format format-check coverage bench check clean
 help: ## this list
 	@sed -nE 's/^([a-z-]+):.*## /make \1\t/p' Makefile | expand -t 22
 
@@ -72,6 +72,12 @@ coverage: ## lines of the library that the tests reach, of each file in build/co
 	@gcovr --root . --object-directory build/coverage --exclude-directories '.*CompilerId.*' \
 	  --filter '(base|compound|property|storage)/' --txt build/coverage.txt --print-summary \
 	  --fail-under-line 95
+
+bench: ## run the benchmarks and print the table of targets; numbers go to build/bench.json
+	@scripts/install-packages run bench
+	$(call build,bench)
+	@build/bench/bench/kelx_bench --benchmark_out=build/bench.json --benchmark_out_format=json \
+	  | sed -n '/^target/,$$p'
 
 check: ## all that must hold before a change is merged
 	@$(MAKE) --no-print-directory test WERROR=ON

@@ -16,7 +16,7 @@ constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 /// Blocks from this size on ask for huge pages: the page faults of a fresh large block cost more
 /// than reading a file into it.
-constexpr std::size_t kHugeBlock = std::size_t{4} << 20;
+constexpr std::size_t kHugeBlock = kHugePage;
 
 constexpr unsigned int kMostElements = INT_MAX;
 

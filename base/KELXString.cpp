@@ -66,8 +66,12 @@ KELXString::KELXString(std::wstring_view characters) {
 
 KELXString::KELXString(const wchar_t* text) : KELXString(std::wstring_view(text, Length(text))) {}
 
-KELXString::KELXString(const unsigned short* text)
-    : KELXString(std::wstring_view(kelx::internal::DecodeUtf16(text, Length(text)))) {}
+KELXString::KELXString(const unsigned short* text) {
+  const std::size_t units = Length(text);
+  if (units == 0) return;
+  text_ = Text::Make(units);
+  text_->length = kelx::internal::DecodeUtf16(text, units, text_->Characters());
+}
 
 KELXString::KELXString(const char* text, const char* charset)
     : KELXString(KELXTextDecoder(charset).Decode(std::string_view(text, Length(text)))) {}

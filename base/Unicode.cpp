@@ -108,15 +108,14 @@ std::string EncodeUtf8(std::wstring_view text) {
   return bytes;
 }
 
-std::wstring DecodeUtf16(const unsigned short* text, std::size_t length) {
-  std::wstring characters;
-  characters.reserve(length);
+std::size_t DecodeUtf16(const unsigned short* text, std::size_t length, wchar_t* out) noexcept {
+  std::size_t count = 0;
   for (std::size_t at = 0; at < length;) {
     const Decoded decoded = DecodeUnits(text + at, length - at);
-    characters.push_back(decoded.character);
+    out[count++] = decoded.character;
     at += decoded.units;
   }
-  return characters;
+  return count;
 }
 
 wchar_t FoldCase(wchar_t character) noexcept {

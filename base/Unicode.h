@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,8 +18,9 @@ std::wstring DecodeUtf8(std::string_view text);
 /// The UTF-8 form of `text`, which holds code points only.
 std::string EncodeUtf8(std::wstring_view text);
 
-/// The characters of UTF-16 text in host byte order.
-std::wstring DecodeUtf16(const unsigned short* text, std::size_t length);
+/// Writes the characters of UTF-16 text in host byte order to `out`, which has room for `length`,
+/// and returns how many there are.
+std::size_t DecodeUtf16(const unsigned short* text, std::size_t length, wchar_t* out) noexcept;
 
 /// The lower-case form of one code point by the rules of the C.UTF-8 locale.
 wchar_t FoldCase(wchar_t character) noexcept;

@@ -12,6 +12,7 @@ NameIndex::NameIndex(const KELXDynamicArray<KELStStorageDirEntry>& entries,
     if ((entry.*isWanted)()) slots_.push_back({(entry.getName().*comparison.hash)(), i});
   }
   std::ranges::sort(slots_, [this](const Slot& a, const Slot& b) {
+    if (a.hash != b.hash) return a.hash < b.hash;
     const int order = Order(a, b.hash, NameOf(b));
     return order != 0 ? order < 0 : a.position < b.position;
   });

@@ -13,7 +13,6 @@ namespace kelx::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 constexpr EntryIndex kOuter = 1;
 constexpr EntryIndex kInner = 2;

@@ -11,9 +11,7 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
-using testing::StartsWith;
 
 TEST(RefusalTest, SaysWhichFieldOfTheHeaderIsWrong) {
   const std::vector<std::tuple<Field, std::uint32_t, std::string>> cases{
@@ -80,6 +78,12 @@ TEST(ExitCodeTest, TheHighestOfAllFilesCounts) {
     EXPECT_EQ(result.exitCode, code) << testing::PrintToString(arguments);
     EXPECT_EQ(result.err.empty(), code == 0) << result.err;
   }
+}
+
+TEST(ExitCodeTest, AFileThatIsMissingIsNamedOnceWhateverPathWasAskedFor) {
+  const RunResult result = RunKelst({"ls", "/missing", "path"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_EQ(result.err, "kelst: /missing: No such file or directory\n");
 }
 
 TEST(ExitCodeTest, WrongUsageIsExplained) {

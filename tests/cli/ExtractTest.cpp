@@ -12,8 +12,6 @@ namespace kelx::test {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 /// A file with the stream "Stream" and the storage "Storage", which holds the stream "Inside"; the
 /// folder that is extracted to, and one beside it that must stay as it is.

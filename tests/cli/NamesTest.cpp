@@ -12,8 +12,6 @@
 namespace kelx::test {
 namespace {
 
-using testing::HasSubstr;
-
 std::string TextOf(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
 struct NameCase {

@@ -88,7 +88,10 @@ TEST(Storage, TakesACopyOfAnImage) {
   const std::string path = second->file.Path();
   second.reset();
   EXPECT_EQ(storage.getStStorageFileInfo()->GetFilePath().toUtf8(), path);
-  EXPECT_EQ(Contents(storage, "a"), Pattern(100, 2));  // the list of children stays
+  KELXDynamicArray<KELStStorageDirEntry> elements;
+  EXPECT_EQ(storage.enumElements(elements), 0);
+  EXPECT_EQ(NamesIn(elements), std::vector<std::string>{"a"});  // the list of children stays
+  EXPECT_EQ(Contents(storage, "a"), Pattern(100, 2));
   EXPECT_EQ(TryStream(storage, "b").out, Out::kNull);
 
   storage.setStStorageFileInfo(nullptr);

@@ -59,22 +59,23 @@ class Lister {
 };
 
 /// Of exactly two arguments the second is a path when the first file holds it, and also when there
-/// is no file of this name.
-bool SecondIsPath(const CompoundFile& file, const std::string& argument) {
+/// is no file of this name. `file` is null when the first could not be opened.
+bool SecondIsPath(const CompoundFile* file, const std::string& argument) {
   const auto path = ParseEntryPath(argument);
-  return (path && file.Entries().Find(*path).position) || !Exists(argument);
+  const bool isHeld = file != nullptr && path && file->Entries().Find(*path).position;
+  return isHeld || !Exists(argument);
 }
 
 void RunLs(LsOptions& options, Report& report) {
   Lister lister(options, report);
   for (std::size_t i = 0; i < options.arguments.size(); ++i) {
     const auto file = CompoundFile::Open(options.arguments[i], report);
-    if (!file) continue;
     if (!options.hasPath && i == 0 && options.arguments.size() == 2 &&
-        SecondIsPath(*file, options.arguments[1])) {
+        SecondIsPath(file.get(), options.arguments[1])) {
       options.path = options.arguments[1];
       options.arguments.pop_back();
     }
+    if (!file) continue;
     const auto start = file->Find(options.path, "stream or storage", report);
     if (start) lister.List(*file, *start, options.arguments.size() > 1);
   }
