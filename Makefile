@@ -1,4 +1,5 @@
 # Short commands for the usual jobs. What they build and how stands in CMakePresets.json.
+SECONDS ?= 60
 FILE ?= tests/data/metadata.doc
 WERROR ?= OFF
 JOBS := $(shell nproc)
@@ -19,7 +20,7 @@ define test
 	@grep -E 'tests passed|Total Test time' build/test-$(1).log
 endef
 
-.PHONY: help run test asan tsan clang lint format format-check coverage bench check clean
+.PHONY: help run test asan tsan clang lint format format-check coverage bench fuzz check clean
 help: ## this list
 	@sed -nE 's/^([a-z-]+):.*## /make \1\t/p' Makefile | expand -t 22
 
@@ -78,6 +79,18 @@ bench: ## run the benchmarks and print the table of targets; numbers go to build
 	$(call build,bench)
 	@build/bench/bench/kelx_bench --benchmark_out=build/bench.json --benchmark_out_format=json \
 	  | sed -n '/^target/,$$p'
+
+fuzz: ## run each fuzz target for SECONDS (60); what they find stays in build/fuzz
+	@scripts/install-packages run lint
+	$(call build,fuzz)
+	@for target in compound_file property_stream entry_name; do \
+	  mkdir -p build/fuzz/found/$$target && \
+	  build/fuzz/fuzz/fuzz_$$target -max_total_time=$(SECONDS) -max_len=65536 -timeout=10 \
+	    -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix=build/fuzz/found/ \
+	    build/fuzz/found/$$target fuzz/corpus/$$target >build/fuzz/$$target.log 2>&1 || \
+	    { tail -40 build/fuzz/$$target.log; exit 1; }; \
+	  grep -E 'DONE|cov:' build/fuzz/$$target.log | tail -1; \
+	done
 
 check: ## all that must hold before a change is merged
 	@$(MAKE) --no-print-directory test WERROR=ON

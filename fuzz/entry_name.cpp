@@ -1,0 +1,30 @@
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "tools/kelst/EntryName.h"
+
+// The written forms of names: what is written is read back as the same name, is one component of a
+// path and valid UTF-8; and any text can be parsed as a path.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::u16string name(std::min<std::size_t>(size / 2, 32), u'\0');
+  if (!name.empty()) std::memcpy(name.data(), data, name.size() * 2);
+  const std::string written = kelst::WrittenName(name);
+  const auto path = kelst::ParseEntryPath(written);
+  if (!path || path->size() != 1 || path->front().name != name || path->front().index) std::abort();
+  nlohmann::json(written).dump();  // throws for what is not UTF-8
+  nlohmann::json(kelst::PlainUtf8(name)).dump();
+  const std::string file = kelst::FileName(name);
+  const bool isHarmless = !file.empty() && file != "." && file != ".." && file.size() <= 255 &&
+                          file.find('/') == std::string::npos &&
+                          file.find('\0') == std::string::npos;
+  if (!isHarmless) std::abort();
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  kelst::ParseEntryPath(text);
+  nlohmann::json(kelst::Printable(text)).dump();
+  return 0;
+}
