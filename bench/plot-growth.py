@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Plots time against N from the benchmarks' JSON.
 
 usage: plot-growth.py build/bench.json docs/growth.svg
@@ -41,9 +41,10 @@ def main():
     source, target = sys.argv[1:]
     plt.rcParams["svg.hashsalt"] = "growth"  # the same picture for the same numbers
     figure, axes = plt.subplots(figsize=(7, 4.5))
-    for case, points in least_times(source).items():
-        counts = sorted(points)
-        axes.loglog(counts, [points[n] for n in counts], marker="o", label=CASES[case])
+    times = least_times(source)
+    for case, label in CASES.items():
+        counts = sorted(times[case])
+        axes.loglog(counts, [times[case][n] for n in counts], marker="o", label=label)
     axes.set_xlabel("N")
     axes.set_ylabel("time, ms")
     axes.set_title("Time grows in proportion to N")

@@ -1,5 +1,9 @@
 #include <algorithm>
+#include <climits>
+#include <iterator>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "compound/ByteCursor.h"
 #include "compound/KELReadValue.h"
@@ -46,6 +50,21 @@ void KELStStorageFileInfo::ReadTable(std::FILE* file, unsigned int firstSector,
   kelx::internal::OrderBytes(std::span(slots, entries), sameByteOrder_);
 }
 
+/// Appends the entries of the `sectorCount` sectors that `forEach(add)` hands to `add` to `table`,
+/// which is made as large as they need and no larger.
+template <typename ForEach>
+void KELStStorageFileInfo::ReadTables(std::FILE* file, std::uint64_t sectorCount,
+                                      KELXDynamicArray<unsigned int>& table,
+                                      ForEach forEach) const {
+  const std::uint64_t entries = sectorCount * SectorSize() / sizeof(unsigned int);
+  const std::uint64_t wanted = entries + static_cast<std::uint64_t>(table.Count());
+  table.Reserve(static_cast<int>(std::min<std::uint64_t>(wanted, INT_MAX)));
+  SectorRuns runs(SectorSize(), kLongestRead, [&](unsigned int first, unsigned int count) {
+    ReadTable(file, first, count, table);
+  });
+  forEach([&runs](unsigned int sector) { runs.Add(sector); });
+}
+
 void KELStStorageFileInfo::readDifSector(std::FILE* file) {
   if (file == nullptr || header_.difStartSect == kelx::internal::kEndOfChain) return;
   const auto lastEntry = [this, file](unsigned int sector) -> std::optional<unsigned int> {
@@ -67,24 +86,19 @@ void KELStStorageFileInfo::readDifSector(std::FILE* file) {
 
 void KELStStorageFileInfo::readFatSector(std::FILE* file) {
   if (file == nullptr || header_.headerDifSect == nullptr) return;
-  std::uint64_t room = (fileLength_ + kFatAllowance) / SectorSize();
-  SectorRuns runs(SectorSize(), kLongestRead, [&](unsigned int first, unsigned int count) {
-    ReadTable(file, first, count, fatSector_);
-  });
-  const auto add = [&](unsigned int sector) {
-    if (!IsFatSector(sector) || room == 0) return;
-    --room;
-    runs.Add(sector);
-  };
-  std::ranges::for_each(std::span(header_.headerDifSect, KELStStorageHeader::kDifatEntries), add);
-  std::ranges::for_each(difSector_, add);
+  std::vector<unsigned int> sectors;
+  const std::span headerDifat(header_.headerDifSect, KELStStorageHeader::kDifatEntries);
+  std::ranges::copy_if(headerDifat, std::back_inserter(sectors), IsFatSector);
+  std::ranges::copy_if(std::as_const(difSector_), std::back_inserter(sectors), IsFatSector);
+  const std::uint64_t most = (fileLength_ + kFatAllowance) / SectorSize();
+  sectors.resize(std::min<std::uint64_t>(sectors.size(), most));
+  ReadTables(file, sectors.size(), fatSector_,
+             [&](auto add) { std::ranges::for_each(sectors, add); });
 }
 
 void KELStStorageFileInfo::readMiniFatSector(std::FILE* file) {
   if (file == nullptr || header_.miniFatStartSect == kelx::internal::kEndOfChain) return;
-  SectorRuns runs(SectorSize(), kLongestRead, [&](unsigned int first, unsigned int count) {
-    ReadTable(file, first, count, miniFatSector_);
-  });
-  kelx::internal::TableChain(header_.miniFatStartSect, getLongestChain(), fatSector_)
-      .ForEach([&](unsigned int sector) { runs.Add(sector); });
+  const auto chain =
+      kelx::internal::TableChain(header_.miniFatStartSect, getLongestChain(), fatSector_);
+  ReadTables(file, chain.Length(), miniFatSector_, [&](auto add) { chain.ForEach(add); });
 }

@@ -115,9 +115,11 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
 
  private:
   void Load(std::FILE* file);
-  void ReadFatSectors(std::FILE* file, KELXDynamicArray<unsigned int>& sectors);
   void ReadTable(std::FILE* file, unsigned int firstSector, unsigned int sectorCount,
                  KELXDynamicArray<unsigned int>& table) const;
+  template <typename ForEach>
+  void ReadTables(std::FILE* file, std::uint64_t sectorCount, KELXDynamicArray<unsigned int>& table,
+                  ForEach forEach) const;
   [[nodiscard]] unsigned int SectorShift() const;
   [[nodiscard]] unsigned int SectorSize() const { return 1U << SectorShift(); }
   [[nodiscard]] const KELStStorageDirEntry* RootEntry() const;

@@ -1,50 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "KELXStStorage.h"
+#include "tests/cost/Counters.h"
 #include "tests/support/CompoundFileBuilder.h"
 #include "tests/support/TemporaryFile.h"
 
 // Counts what cost is made of, which no noise of the machine can change. The bounds stand a little
 // above what is needed: a loop that reads, seeks or allocates for each sector passes them at once.
-
-namespace {
-
-int allocations = 0;
-int reads = 0;
-int seeks = 0;
-
-}  // namespace
-
-// The linker puts these in the place of the functions of the C library (--wrap).
-extern "C" {
-std::size_t __real_fread(void* buffer, std::size_t size, std::size_t count, std::FILE* file);
-int __real_fseeko64(std::FILE* file, off_t offset, int origin);
-
-std::size_t __wrap_fread(void* buffer, std::size_t size, std::size_t count, std::FILE* file) {
-  ++reads;
-  return __real_fread(buffer, size, count, file);
-}
-
-int __wrap_fseeko64(std::FILE* file, off_t offset, int origin) {
-  ++seeks;
-  return __real_fseeko64(file, offset, origin);
-}
-}
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  void* const block = std::malloc(size > 0 ? size : 1);
-  if (block == nullptr) std::abort();
-  return block;
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
@@ -54,13 +19,12 @@ TEST(Cost, TablesAreReadInRuns) {
   CompoundFileBuilder builder;
   for (int i = 0; i < 2000; ++i) builder.AddStream(kRoot, u"stream", GeneratedPattern(4000));
   const TemporaryFile path(builder.Build().bytes);  // 126 FAT sectors, 500 of directory
-  reads = 0;
-  seeks = 0;
+  counters = {};
   const KELStStorageFileInfo image((KELXFilePath(path.Path().c_str())));
   EXPECT_EQ(image.getDirArray().Count(), 2004);
   EXPECT_EQ(image.getMiniStream().Count(), 2000 * 4032);
-  EXPECT_LE(reads, 20);
-  EXPECT_LE(seeks, 20);
+  EXPECT_LE(counters.reads, 20);
+  EXPECT_LE(counters.seeks, 20);
 }
 
 TEST(Cost, AContiguousStreamTakesOneRead) {
@@ -68,19 +32,18 @@ TEST(Cost, AContiguousStreamTakesOneRead) {
   builder.AddStream(kRoot, u"large", GeneratedPattern(512'000));
   const TemporaryFile path(builder.Build().bytes);
   const std::unique_ptr<KELIStorage> root(KELStgOpenStorageRoot(KELXFilePath(path.Path().c_str())));
-  reads = 0;
-  seeks = 0;
+  counters = {};
   CloseStream(OpenStream(root.get(), KELXString(L"large")));
-  EXPECT_EQ(reads, 1);
-  EXPECT_EQ(seeks, 1);
+  EXPECT_EQ(counters.reads, 1);
+  EXPECT_EQ(counters.seeks, 1);
 }
 
 /// Allocations of opening and closing the stream `name`.
 int CostOfOpening(KELIStorage& storage, const KELXString& name) {
-  const int before = allocations;
+  const int before = counters.allocations;
   const std::unique_ptr<KELIStream> stream(OpenStream(&storage, name));
   EXPECT_NE(stream, nullptr);
-  return allocations - before;
+  return counters.allocations - before;
 }
 
 TEST(Cost, OpeningAStreamAllocatesTheSameWhateverTheSizes) {
@@ -116,9 +79,9 @@ TEST(Cost, OpeningAStorageAllocatesTheSameWhateverTheDirectory) {
         KELStgOpenStorageRoot(KELXFilePath(path.Path().c_str())));
     const KELXString name(L"Inner");
     CloseStorage(OpenStorage(root.get(), name));  // lists the children
-    const int before = allocations;
+    const int before = counters.allocations;
     CloseStorage(OpenStorage(root.get(), name));
-    costs[isLarge] = allocations - before;
+    costs[isLarge] = counters.allocations - before;
   }
   EXPECT_EQ(costs[0], costs[1]);
 }
