@@ -63,8 +63,9 @@ std::vector<PropertySet> PropertySetsOf(CompoundFile& file, std::size_t position
   for (std::size_t child = position + 1; child < nodes[position].end; child = nodes[child].end) {
     if (!IsPropertyStream(file, nodes[child].index)) continue;
     const std::string path = file.Entries().PathOf(child);
+    const std::string where = file.Name() + ": " + path + ": ";
     const auto fail = [&](const std::string& problem) {
-      report.Fail(ExitCode::kFailed, file.Name() + ": " + path + ": " + problem);
+      report.Fail(ExitCode::kFailed, where + problem);
     };
     StreamContent content(file, nodes[child].index);
     std::vector<unsigned char> bytes;
