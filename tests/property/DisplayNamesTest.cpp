@@ -95,11 +95,14 @@ TEST(DisplayNames, TheLastSectionIdentifiesTheSet) {
     Bytes stream;
     const char* id;
   };
-  PropertySetBuilder stated({.sectionCount = 1});
-  stated.Section(kUserDefinedId);
+  PropertySetBuilder one({.sectionCount = 1});
+  PropertySetBuilder three({.sectionCount = 3});
+  one.Section(kUserDefinedId);
+  three.Section(kUserDefinedId);
   for (const Case& row : {Case{OneSection().Build(), kSummaryText},
                           {TwoSections().Build(), kUserDefinedText},
-                          {stated.Build(), kSummaryText}}) {
+                          {one.Build(), kSummaryText},
+                          {three.Build(), kSummaryText}}) {
     Bytes id(16);
     Parse(row.stream)->GetPropertyStorageID(id.data());
     EXPECT_EQ(KELIPropertyStorage::FormatCLSID(id.data()).toUtf8(), row.id);

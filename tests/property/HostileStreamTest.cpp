@@ -107,7 +107,8 @@ TEST(HostileStream, OneDictionaryNamedByManyIsReadOnce) {
   PropertySetBuilder builder;
   builder.Add(0, Dictionary(names)).Add(kMany - 1, Value(3, 1, 4));
   for (std::uint32_t i = 0; i < kMany; ++i) builder.AddShared(0, 0);
-  EXPECT_THAT(ListingOf(builder.Build()), ElementsAre("1869f[n]2=1"));
+  builder.Add(0, Dictionary(Names16{{kMany, u"last"}})).AddShared(kMany, 1);
+  EXPECT_THAT(ListingOf(builder.Build()), ElementsAre("1869f[n]2=1", "186a0[last]2=1"));
 }
 
 /// The many begin each 8 bytes after the one before and run on to the end.

@@ -288,6 +288,16 @@ TEST(StreamParsing, TheStepsCanBeTakenOneByOne) {
               ElementsAre("2[]1=two", "2[]1=second", "2[]1=second"));
 }
 
+TEST(StreamParsing, ReadingAgainUpdatesTheFirstOfEachIdentifier) {
+  PropertySetBuilder builder;
+  builder.Add(2, Lpstr("first")).Section(kUserDefinedId).Add(2, Lpstr("second"));
+  const Bytes stream = builder.Build();
+  const KELIPropertyStorageHandle set = Parse(stream);
+  EXPECT_TRUE(set->InitializeFromBuffer(stream.data(), static_cast<int>(stream.size())));
+  EXPECT_THAT(Listing(set->GetPropertyArray()),
+              ElementsAre("2[]1=first", "2[]1=second", "2[]1=second"));
+}
+
 TEST(StreamParsing, AddOrUpdateReplacesTheFirstOfItsIdentifier) {
   const KELIPropertyStorageHandle set(new KELIPropertyStorage);
   const auto make = [](unsigned long id, const wchar_t* text) {
