@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 
 #include "storage/KELIStorage.h"
@@ -31,18 +32,19 @@ KELIPropertySetStorage* KELIStorage::getPropertySetStorage() {
     return propertySets_;
   }
   std::uint64_t textAllowance = KELIPropertyStorage::kTextAllowance;
-  std::uint64_t parsed = 0;
+  std::uint64_t bytesLeft = MostBytes(*image_);
   for (const KELStStorageDirEntry& child : children) {
     if (!IsPropertyStream(child)) continue;
-    if (parsed > MostBytes(*image_)) break;
+    if (bytesLeft == 0) break;
     KELIStream* opened = nullptr;
     const int status = openStream(child.getName(), &opened);
     const std::unique_ptr<KELIStream> stream(opened);
-    if (status != 0 || !stream) continue;
+    if (!stream) continue;
     // The entry may state more bytes than the stream has; the rest counts as zeros.
     const KELXDynamicArray<unsigned char>& held = stream->bytes_;
+    bytesLeft -= std::min(bytesLeft, static_cast<std::uint64_t>(held.Count()));
+    if (status != 0) continue;
     const KELIPropertyStorageHandle set(new KELIPropertyStorage);
-    parsed += static_cast<std::uint64_t>(held.Count());
     if (set->Initialize(held.begin(), static_cast<unsigned int>(held.Count()),
                         static_cast<unsigned int>(stream->entry_.getSize()), textAllowance)) {
       propertySets_->AddPropertyStorage(set);
