@@ -33,12 +33,31 @@ Bytes OneSection() {
       .Build();
 }
 
+/// Names in UTF-16, a second section, and properties that share a value.
+Bytes TwoSections() {
+  return PropertySetBuilder()
+      .Add(1, CodePage(1200))
+      .Add(0,
+           Dictionary(std::vector<std::pair<std::uint32_t, std::u16string>>{{2, u"Nom"}, {3, u""}}))
+      .Add(2, Lpstr({"t\0e\0x\0t\0", 8}))
+      .AddShared(3, 2)
+      .Section(kUserDefinedId, 8)
+      .Add(1, CodePage(65001))
+      .Add(2, Value(0x1000 + 30, Join({Little(2, 4), Little(4, 4), Little(0x636261, 4)})))
+      .AddAt(3, 0xFFFFFFF0)
+      .Build();
+}
+
 Bytes File(Format format) {
   CompoundFileBuilder builder(format);
   builder.AddStream(kRoot, u"\x05SummaryInformation", OneSection());
   builder.AddStream(kRoot, u"large", Pattern(4500));
   const EntryIndex inner = builder.AddStorage(kRoot, u"Inner");
   builder.AddStream(inner, u"\x05Set", OneSection());
+  builder.AddStream(inner,
+                    u"\x05"
+                    u"DocumentSummaryInformation",
+                    TwoSections());
   builder.AddStream(inner, u"small", Pattern(150));
   builder.AddStream(inner, u"empty", Bytes{});
   return builder.Build().bytes;
@@ -58,7 +77,11 @@ int main(int argc, char** argv) {
   format = {};
   format.byteOrder = ByteOrder::kBig;
   Write(corpus / "compound_file" / "big-endian", File(format));
+  format = {};
+  format.sectorSize = 4096;
+  Write(corpus / "compound_file" / "long-sectors", File(format));
   Write(corpus / "property_stream" / "one-section", OneSection());
+  Write(corpus / "property_stream" / "two-sections", TwoSections());
   Write(corpus / "entry_name" / "name", Bytes{'R', 0, 'o', 0, '/', 0, 5, 0, 0, 0xD8, '\\', 0});
   return 0;
 }

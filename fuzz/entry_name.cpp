@@ -7,8 +7,17 @@
 
 #include "tools/kelst/EntryName.h"
 
-// The written forms of names: what is written is read back as the same name, is one component of a
-// path and valid UTF-8; and any text can be parsed as a path.
+// The written forms of names: what is written is read back as the same name, from JSON too, is one
+// component of a path and valid UTF-8; and any text can be parsed as a path.
+
+namespace {
+
+/// Throws for what is not UTF-8.
+void ExpectJsonRoundTrip(const std::string& text) {
+  if (nlohmann::json::parse(nlohmann::json(text).dump()) != text) std::abort();
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::u16string name(std::min<std::size_t>(size / 2, 32), u'\0');
@@ -16,8 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string written = kelst::WrittenName(name);
   const auto path = kelst::ParseEntryPath(written);
   if (!path || path->size() != 1 || path->front().name != name || path->front().index) std::abort();
-  nlohmann::json(written).dump();  // throws for what is not UTF-8
-  nlohmann::json(kelst::PlainUtf8(name)).dump();
+  ExpectJsonRoundTrip(written);
+  ExpectJsonRoundTrip(kelst::PlainUtf8(name));
   const std::string file = kelst::FileName(name);
   const bool isHarmless = !file.empty() && file != "." && file != ".." && file.size() <= 255 &&
                           file.find('/') == std::string::npos &&
@@ -25,6 +34,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!isHarmless) std::abort();
   const std::string text(reinterpret_cast<const char*>(data), size);
   kelst::ParseEntryPath(text);
-  nlohmann::json(kelst::Printable(text)).dump();
+  ExpectJsonRoundTrip(kelst::Printable(text));
   return 0;
 }
