@@ -117,7 +117,10 @@ TEST(HelpTest, EveryCommandHasHelpAndAVersion) {
 
 TEST(StandardOutputTest, AFullDiskIsReportedAndAClosedPipeIsNot) {
   const std::string sample = SampleFile("pictures.doc");
+  const TemporaryFolder target;
   const std::vector<std::vector<std::string>> cases{{"cat", sample, "Data"},
+                                                    {"extract", "-f", "-C", target.Path(), sample},
+                                                    {"props", sample},
                                                     {"ls", sample},
                                                     {"ls", "--json", sample},
                                                     {"info", sample},

@@ -20,9 +20,15 @@ int OpenForWriting(const std::string& path) {
   return open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
 }
 
-int OpenClosedPipe() {
+/// The ends to read from and to write to.
+std::array<int, 2> OpenPipe() {
   std::array<int, 2> ends{};
-  if (pipe(ends.data()) != 0) return -1;
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("cannot make a pipe");
+  return ends;
+}
+
+int OpenClosedPipe() {
+  const auto ends = OpenPipe();
   close(ends[0]);
   return ends[1];
 }
@@ -44,18 +50,14 @@ int WaitFor(pid_t process) {
   return WEXITSTATUS(status);
 }
 
-}  // namespace
-
-RunResult RunKelst(const std::vector<std::string>& arguments, StandardOutput output,
-                   const std::string& folder) {
-  const TemporaryFolder results;
+/// Starts the tool with the descriptors as its standard output and error, and closes them here.
+pid_t Start(const std::vector<std::string>& arguments, int out, int err,
+            const std::string& folder = "") {
   std::vector<std::string> words{KELX_KELST_PATH};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
-  const int out = OpenOutput(output, results.PathOf("out"));
-  const int err = OpenForWriting(results.PathOf("err"));
   const pid_t process = fork();
   if (process == 0) {
     std::signal(SIGPIPE, SIG_DFL);
@@ -67,10 +69,35 @@ RunResult RunKelst(const std::vector<std::string>& arguments, StandardOutput out
   close(out);
   close(err);
   if (process < 0) throw std::runtime_error("cannot start a process");
-  const int exitCode = WaitFor(process);
+  return process;
+}
+
+}  // namespace
+
+RunResult RunKelst(const std::vector<std::string>& arguments, StandardOutput output,
+                   const std::string& folder) {
+  const TemporaryFolder results;
+  const int exitCode = WaitFor(Start(arguments, OpenOutput(output, results.PathOf("out")),
+                                     OpenForWriting(results.PathOf("err")), folder));
   const bool hasOutput = output == StandardOutput::kFile;
   return {exitCode, hasOutput ? ReadFile(results.PathOf("out")) : "",
           ReadFile(results.PathOf("err"))};
+}
+
+RunResult RunKelstMeanwhile(const std::vector<std::string>& arguments,
+                            const std::function<void()>& meanwhile) {
+  const TemporaryFolder results;
+  const auto ends = OpenPipe();
+  const pid_t process = Start(arguments, ends[1], OpenForWriting(results.PathOf("err")));
+  std::string out;
+  std::array<char, 4096> piece{};
+  for (ssize_t length = read(ends[0], piece.data(), 1); length > 0;
+       length = read(ends[0], piece.data(), piece.size())) {
+    if (out.empty()) meanwhile();
+    out.append(piece.data(), static_cast<std::size_t>(length));
+  }
+  close(ends[0]);
+  return {WaitFor(process), out, ReadFile(results.PathOf("err"))};
 }
 
 std::string SampleFile(const std::string& name) { return std::string(KELX_TEST_DATA "/") + name; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,11 @@ enum class StandardOutput { kFile, kFullDevice, kClosedPipe };
 /// one's.
 RunResult RunKelst(const std::vector<std::string>& arguments,
                    StandardOutput output = StandardOutput::kFile, const std::string& folder = "");
+
+/// The same with standard output to a pipe: `meanwhile` is called once the first byte has come,
+/// when the process cannot have written more than a pipe holds.
+RunResult RunKelstMeanwhile(const std::vector<std::string>& arguments,
+                            const std::function<void()>& meanwhile);
 
 std::string SampleFile(const std::string& name);
 std::string ReadFile(const std::string& path);

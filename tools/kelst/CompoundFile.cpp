@@ -1,7 +1,5 @@
 #include "tools/kelst/CompoundFile.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -17,22 +15,21 @@ namespace {
 
 std::string SystemMessage() { return std::generic_category().message(errno); }
 
-/// The empty string when `path` leads to a file that can be read; else why not. `size` is its size.
-std::string WhyNotOpened(const std::string& path, std::uint64_t& size) {
-  struct stat facts {};
-  if (stat(path.c_str(), &facts) != 0) return SystemMessage();
-  if (S_ISDIR(facts.st_mode)) return "is a directory";
-  if (!S_ISREG(facts.st_mode)) return "is not a regular file";
-  size = static_cast<std::uint64_t>(facts.st_size);
+/// The empty string when `path`, which leads to `state`, is a file that can be read; else why not.
+std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state) {
+  if (!state) return SystemMessage();
+  if (S_ISDIR(state->Mode())) return "is a directory";
+  if (!S_ISREG(state->Mode())) return "is not a regular file";
   return OpenForReading(KELXFilePath(path.c_str())) ? "" : SystemMessage();
 }
 
 }  // namespace
 
-CompoundFile::CompoundFile(const std::string& path, std::uint64_t size,
+CompoundFile::CompoundFile(const std::string& path, const FileState& state,
                            std::unique_ptr<KELIStorage> root)
-    : name_(Printable(path)),
-      size_(size),
+    : path_(path),
+      name_(Printable(path)),
+      state_(state),
       root_(std::move(root)),
       directory_(Image()),
       tree_(directory_) {
@@ -60,18 +57,23 @@ std::unique_ptr<CompoundFile> CompoundFile::Open(const std::string& path, Report
     report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + reason);
     return nullptr;
   };
-  std::uint64_t size = 0;
-  const std::string reason = WhyNotOpened(path, size);
+  const auto state = FileState::Of(path);
+  const std::string reason = WhyNotOpened(path, state);
   if (!reason.empty()) return refuse(reason);
   auto root = std::make_unique<KELIStorage>(KELXFilePath(path.c_str()));
   const KELStStorageFileInfo& image = *root->getStStorageFileInfo();
   if (!image.checkValidity()) {
-    return refuse("not a compound file: " + WhyRefused(image.getHeader(), size));
+    return refuse("not a compound file: " + WhyRefused(image.getHeader(), state->Size()));
   }
-  return std::unique_ptr<CompoundFile>(new CompoundFile(path, size, std::move(root)));
+  return std::unique_ptr<CompoundFile>(new CompoundFile(path, *state, std::move(root)));
+}
+
+void CompoundFile::ReportChange(Report& report) const {
+  if (HasChanged()) report.Fail(ExitCode::kFailed, name_ + ": " + kChanged);
 }
 
 void CompoundFile::ReportProblems(Report& report) const {
+  ReportChange(report);
   for (const std::string& problem : tree_.Problems()) {
     report.Fail(ExitCode::kFailed, name_ + ": " + problem);
   }

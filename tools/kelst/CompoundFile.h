@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "KELXStStorage.h"
+#include "tools/kelst/FileState.h"
 #include "tools/kelst/FullDirectory.h"
 #include "tools/kelst/Report.h"
 #include "tools/kelst/Tree.h"
@@ -28,7 +29,11 @@ class CompoundFile {
   [[nodiscard]] std::string Utf8Path() const;
 
   /// In bytes, at the time of opening.
-  [[nodiscard]] std::uint64_t Size() const { return size_; }
+  [[nodiscard]] std::uint64_t Size() const { return state_.Size(); }
+
+  /// Whether the file was written to, replaced or removed since. What was read of it then may be
+  /// of no one state of the file, and bytes that it has lost were read as zeros.
+  [[nodiscard]] bool HasChanged() const { return FileState::Of(path_) != state_; }
 
   /// Where in the file a mini sector begins, in bytes; a place beyond any file when it has none.
   [[nodiscard]] std::uint64_t MiniSectorOffset(unsigned int miniSector) const;
@@ -40,8 +45,9 @@ class CompoundFile {
   [[nodiscard]] const FullDirectory& Directory() const { return directory_; }
   [[nodiscard]] const Tree& Entries() const { return tree_; }
 
-  /// Reports what is wrong with the links between the entries.
+  /// Reports what is wrong with the links between the entries, and a change of the file.
   void ReportProblems(Report& report) const;
+  void ReportChange(Report& report) const;
 
   /// The position in the tree of the entry that `path` names, as ParseEntryPath takes it. Nothing,
   /// with the reason reported, when there is none; `what` is what was looked for, such as "stream".
@@ -49,10 +55,11 @@ class CompoundFile {
                                   Report& report) const;
 
  private:
-  CompoundFile(const std::string& path, std::uint64_t size, std::unique_ptr<KELIStorage> root);
+  CompoundFile(const std::string& path, const FileState& state, std::unique_ptr<KELIStorage> root);
 
+  std::string path_;
   std::string name_;
-  std::uint64_t size_;
+  FileState state_;
   std::unique_ptr<KELIStorage> root_;
   FullDirectory directory_;
   Tree tree_;

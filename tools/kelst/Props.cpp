@@ -177,7 +177,9 @@ void ShowFile(CompoundFile& file, const PropsOptions& options, Report& report) {
 void RunProps(const PropsOptions& options, Report& report) {
   for (const std::string& path : options.files) {
     const auto file = CompoundFile::Open(path, report);
-    if (file) ShowFile(*file, options, report);
+    if (!file) continue;
+    ShowFile(*file, options, report);
+    file->ReportChange(report);
   }
 }
 

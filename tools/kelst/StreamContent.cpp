@@ -51,7 +51,7 @@ bool IsInFile(const CompoundFile& file, const KELStStorageDirEntry& entry) {
 }  // namespace
 
 StreamContent::StreamContent(CompoundFile& file, std::uint32_t index)
-    : size_(file.Directory().At(index).getSize()) {
+    : file_(file), size_(file.Directory().At(index).getSize()) {
   const KELStStorageDirEntry& entry = file.Directory().At(index);
   if (size_ >= kReadableSizesEnd) {
     whyNotRead_ = "streams of 2 GiB and more cannot be read (" + WithUnit(size_, "byte") + ")";
@@ -75,6 +75,7 @@ std::span<const unsigned char> StreamContent::Next() {
 }
 
 std::string StreamContent::Problem() const {
+  if (file_.HasChanged()) return kChanged;
   if (!whyNotRead_.empty()) return whyNotRead_;
   if (given_ < size_) {
     return "damaged: only " + Grouped(given_) + " of " + WithUnit(size_, "byte") + " are there";

@@ -24,6 +24,7 @@ class StreamContent {
   [[nodiscard]] std::string Problem() const;
 
  private:
+  const CompoundFile& file_;
   std::uint64_t size_;
   std::uint64_t given_ = 0;  // bytes that Next() gave
   bool isInFile_ = true;
