@@ -3,6 +3,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -51,15 +53,36 @@ void Limit(std::size_t fileSize) {
   if (!IsSanitized()) setrlimit(RLIMIT_AS, &memory);
 }
 
+/// The memory of this process that is in use now, in KiB.
+long ResidentKiB() {
+  long all = 0;
+  long resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+/// Reads the file and prints what that took.
+bool ReadMeasured(const char* what, const TemporaryFile& file, std::size_t size) {
+  const long before = ResidentKiB();
+  const std::unique_ptr<KELIStorage> root(KELStgOpenStorageRoot(KELXFilePath(file.Path().c_str())));
+  if (root) ReadAll(*root, 2);
+  rusage used{};
+  getrusage(RUSAGE_SELF, &used);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  std::printf("%-45s %8zu KiB file %6.2f s %8ld KiB memory\n", what, size / 1024,
+              seconds(used.ru_utime) + seconds(used.ru_stime), used.ru_maxrss - before);
+  std::fflush(stdout);
+  return root != nullptr;
+}
+
 void ExpectHarmless(const char* what, const Bytes& bytes) {
   const TemporaryFile file(bytes);
   const pid_t child = fork();
   if (child == 0) {
     Limit(bytes.size());
-    const std::unique_ptr<KELIStorage> root(
-        KELStgOpenStorageRoot(KELXFilePath(file.Path().c_str())));
-    if (root) ReadAll(*root, 2);
-    _exit(root ? 0 : 1);
+    _exit(ReadMeasured(what, file, bytes.size()) ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);
@@ -169,8 +192,8 @@ TEST(Hostile, ManyEntries) {
   Format format;
   format.siblings = Siblings::kRightList;
   CompoundFileBuilder list(format);
-  for (int i = 0; i < 200'000; ++i) list.AddStream(kRoot, u"one name for all", {});
-  ExpectHarmless("200,000 right siblings of one name", list.Build().bytes);
+  for (int i = 0; i < 1'000'000; ++i) list.AddStream(kRoot, u"one name for all", {});
+  ExpectHarmless("1,000,000 right siblings of one name", list.Build().bytes);
 
   CompoundFileBuilder deep;
   EntryIndex parent = kRoot;

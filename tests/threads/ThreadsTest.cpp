@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -23,14 +24,16 @@ constexpr int kStreams = 12;
 
 std::u16string StreamName(int i) { return std::u16string(u"stream ") + char16_t(u'a' + i); }
 
-/// The storages "A" and "B" with streams of the same names, both small and large ones.
-CompoundFile TwoStorages() {
+constexpr std::string_view kStorages = "ABCDEFGH";
+
+/// The storages "A" to "H" with streams of the same names, both small and large ones.
+CompoundFile EightStorages() {
   CompoundFileBuilder builder;
-  for (const char16_t* name : {u"A", u"B"}) {
-    const EntryIndex storage = builder.AddStorage(kRoot, name);
+  for (const char name : kStorages) {
+    const EntryIndex storage = builder.AddStorage(kRoot, std::u16string(1, name));
     for (int i = 0; i < kStreams; ++i) {
       const auto size = static_cast<std::size_t>(i % 2 == 0 ? 100 + i : 5000 + i);
-      builder.AddStream(storage, StreamName(i), Pattern(size, name[0]));
+      builder.AddStream(storage, StreamName(i), Pattern(size, static_cast<unsigned char>(name)));
     }
   }
   return builder.Build();
@@ -40,14 +43,24 @@ std::unique_ptr<KELIStorage> Child(KELIStorage& root, const char* name) {
   return std::unique_ptr<KELIStorage>(OpenStorage(&root, KELXString::fromUtf8(name)));
 }
 
-/// Runs `work("A")` and `work("B")` side by side, both begun before either goes on.
-void RunBoth(const std::function<void(const std::string&)>& work) {
-  std::barrier start(2);
+std::size_t IndexOf(const std::string& name) { return kStorages.find(name); }
+
+std::vector<std::unique_ptr<KELIStorage>> Children(KELIStorage& root) {
+  std::vector<std::unique_ptr<KELIStorage>> children;
+  for (const char name : kStorages) children.push_back(Child(root, std::string(1, name).c_str()));
+  return children;
+}
+
+/// Runs `work("A")` to `work("H")`, or of the first `count` letters, side by side, all begun before
+/// any goes on.
+void RunAll(const std::function<void(const std::string&)>& work,
+            std::size_t count = kStorages.size()) {
+  std::barrier start(static_cast<std::ptrdiff_t>(count));
   std::vector<std::jthread> threads;
-  for (const char* name : {"A", "B"}) {
+  for (const char name : kStorages.substr(0, count)) {
     threads.emplace_back([&, name] {
       start.arrive_and_wait();
-      work(name);
+      work(std::string(1, name));
     });
   }
 }
@@ -66,36 +79,36 @@ void ReadAll(std::unique_ptr<KELIStorage> storage, const std::string& name) {
 }
 
 TEST(Threads, StoragesOfOneParent) {
-  const CompoundFile built = TwoStorages();
+  const CompoundFile built = EightStorages();
   for (int round = 0; round < kRounds; ++round) {
     OpenedFile opened(built);
-    std::unique_ptr<KELIStorage> storages[] = {Child(*opened.root, "A"), Child(*opened.root, "B")};
-    opened.root.reset();  // the last owner of the image is now one of the two threads
-    RunBoth(
-        [&](const std::string& name) { ReadAll(std::move(storages[name == "A" ? 0 : 1]), name); });
+    std::vector<std::unique_ptr<KELIStorage>> storages = Children(*opened.root);
+    opened.root.reset();  // the last owner of the image is now one of the threads
+    RunAll([&](const std::string& name) { ReadAll(std::move(storages[IndexOf(name)]), name); });
   }
 }
 
 TEST(Threads, AStorageAndItsParent) {
-  const CompoundFile built = TwoStorages();
+  const CompoundFile built = EightStorages();
   for (int round = 0; round < kRounds; ++round) {
     OpenedFile opened(built);
     std::unique_ptr<KELIStorage> child = Child(*opened.root, "A");
-    RunBoth([&](const std::string& name) {
+    const auto work = [&](const std::string& name) {
       // The parent makes further copies of the image while the child reads and frees its own.
       ReadAll(name == "A" ? std::move(child) : Child(*opened.root, "B"), name);
-    });
+    };
+    RunAll(work, 2);
   }
 }
 
 TEST(Threads, ChangesDetach) {
-  const CompoundFile built = TwoStorages();
+  const CompoundFile built = EightStorages();
   for (int round = 0; round < kRounds; ++round) {
     OpenedFile opened(built);
-    std::unique_ptr<KELIStorage> storages[] = {Child(*opened.root, "A"), Child(*opened.root, "B")};
+    std::vector<std::unique_ptr<KELIStorage>> storages = Children(*opened.root);
     opened.root.reset();
-    RunBoth([&](const std::string& name) {
-      const std::unique_ptr<KELIStorage> storage = std::move(storages[name == "A" ? 0 : 1]);
+    RunAll([&](const std::string& name) {
+      const std::unique_ptr<KELIStorage> storage = std::move(storages[IndexOf(name)]);
       const KELStStorageFileInfo& image = *storage->getStStorageFileInfo();
       KELXDynamicArray<unsigned int> fat = image.getFatSector();
       *fat.At(0) = static_cast<unsigned char>(name[0]);
@@ -117,16 +130,16 @@ TEST(Threads, ChangesDetach) {
 }
 
 TEST(Threads, StreamsGoToOtherThreads) {
-  const CompoundFile built = TwoStorages();
+  const CompoundFile built = EightStorages();
   for (int round = 0; round < kRounds; ++round) {
     OpenedFile opened(built);
-    std::unique_ptr<KELIStream> streams[2];
-    for (const int i : {0, 1}) {
+    std::vector<std::unique_ptr<KELIStream>> streams;
+    while (streams.size() < kStorages.size()) {
       const auto storage = Child(*opened.root, "A");
-      streams[i] = std::move(TryStream(*storage, "stream b").object);
+      streams.push_back(std::move(TryStream(*storage, "stream b").object));
     }
-    RunBoth([&](const std::string& name) {
-      const std::unique_ptr<KELIStream> stream = std::move(streams[name == "A" ? 0 : 1]);
+    RunAll([&](const std::string& name) {
+      const std::unique_ptr<KELIStream> stream = std::move(streams[IndexOf(name)]);
       const KELStStorageDirEntry entry = stream->getDirEntry();
       entry.getName() += KELXString::fromUtf8(name);
       EXPECT_EQ(entry.getName().toUtf8(), "stream b");
