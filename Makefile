@@ -20,7 +20,8 @@ define test
 	@grep -E 'tests passed|Total Test time' build/test-$(1).log
 endef
 
-.PHONY: help run test asan tsan clang lint format format-check coverage bench fuzz check clean
+.PHONY: help run test asan tsan clang lint format format-check valgrind coverage bench fuzz \
+        check clean
 help: ## this list
 	@sed -nE 's/^([a-z-]+):.*## /make \1\t/p' Makefile | expand -t 22
 
@@ -65,14 +66,23 @@ format-check: ## fail when a source is not formatted
 	@scripts/install-packages lint
 	@find $(FOLDERS) *.h -name '*.h' -o -name '*.cpp' | xargs clang-format --dry-run --Werror
 
-coverage: ## lines of the library that the tests reach, of each file in build/coverage.txt
+# Those of limits are left out: valgrind needs more memory than a hostile file may cost.
+valgrind: ## the tests under valgrind, which finds leaks and reads of what was never written
+	@scripts/install-packages run test valgrind
+	$(call build,release,-DKELX_BUILD_TESTS=ON)
+	@for test in $$(ls build/release/tests/kelx_*_tests | grep -v hostile); do \
+	  echo "$$test" && valgrind --quiet --trace-children=yes --leak-check=full --error-exitcode=99 \
+	    "$$test" --gtest_brief=1 || exit 1; \
+	done
+
+coverage: ## lines of the library that the tests reach: build/coverage.txt, build/coverage/html
 	@scripts/install-packages run test coverage
 	$(call build,coverage)
-	@find build/coverage -name '*.gcda' -delete
+	@mkdir -p build/coverage/html && find build/coverage -name '*.gcda' -delete
 	$(call test,coverage)
 	@gcovr --root . --object-directory build/coverage --exclude-directories '.*CompilerId.*' \
-	  --filter '(base|compound|property|storage)/' --txt build/coverage.txt --print-summary \
-	  --fail-under-line 95
+	  --filter '(base|compound|property|storage)/' --txt build/coverage.txt \
+	  --html-details build/coverage/html/index.html --print-summary --fail-under-line 95
 
 bench: ## run the benchmarks and print the table of targets; numbers go to build/bench.json
 	@scripts/install-packages run bench
@@ -95,6 +105,7 @@ fuzz: ## run each fuzz target for SECONDS (60); what they find stays in build/fu
 check: ## all that must hold before a change is merged
 	@$(MAKE) --no-print-directory test WERROR=ON
 	@$(MAKE) --no-print-directory asan tsan lint format-check
+	@$(MAKE) --no-print-directory fuzz SECONDS=10
 
 clean: ## remove all that was built
 	rm -rf build
