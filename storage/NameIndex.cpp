@@ -1,6 +1,7 @@
 #include "storage/NameIndex.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kelx::internal {
 
@@ -11,8 +12,16 @@ NameIndex::NameIndex(const KELXDynamicArray<KELStStorageDirEntry>& entries,
     const KELStStorageDirEntry& entry = *entries.At(i);
     if ((entry.*isWanted)()) slots_.push_back({(entry.getName().*comparison.hash)(), i});
   }
+  std::ranges::sort(slots_, {},
+                    [](const Slot& slot) { return std::pair(slot.hash, slot.position); });
+  // Of entries that share a name only the first can be found. Without the others names need hardly
+  // ever be compared to sort, not even when one name stands a million times.
+  const auto repeated = std::ranges::unique(slots_, [this](const Slot& a, const Slot& b) {
+    return a.hash == b.hash && Order(a, b.hash, NameOf(b)) == 0;
+  });
+  slots_.erase(repeated.begin(), repeated.end());
+  if (std::ranges::adjacent_find(slots_, {}, &Slot::hash) == slots_.end()) return;
   std::ranges::sort(slots_, [this](const Slot& a, const Slot& b) {
-    if (a.hash != b.hash) return a.hash < b.hash;
     const int order = Order(a, b.hash, NameOf(b));
     return order != 0 ? order < 0 : a.position < b.position;
   });
