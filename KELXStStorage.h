@@ -1,6 +1,16 @@
 #pragma once
 
-// Everything that libKELXStStorage and libKELXBase offer.
+/// @file
+/// Everything that libKELXStStorage and libKELXBase offer.
+///
+/// Begin with KELStgFunctions.h, which opens, lists and reads; go on with KELIStorage and
+/// KELIStream for what it leaves out. KELXStructuredStorageUtils queries properties,
+/// KELIPropertyStorage is one set of them. KELXString, KELXFilePath and KELXDynamicArray are what
+/// goes in and comes out. The rest is for looking into the file format itself, or what these are
+/// made of.
+///
+/// Nothing here throws, logs or prints for anything that a file holds. Running out of memory is not
+/// handled: it ends the process, by std::terminate or by a std::bad_alloc that nobody catches.
 
 #include "base/KELXArray.h"
 #include "base/KELXDate.h"

@@ -20,8 +20,8 @@ define test
 	@grep -E 'tests passed|Total Test time' build/test-$(1).log
 endef
 
-.PHONY: help run test asan tsan clang lint format format-check valgrind coverage bench fuzz \
-        check clean
+# Every target is a job and no file.
+.PHONY: $(shell sed -nE 's/^([a-z-]+):.*/\1/p' Makefile)
 help: ## this list
 	@sed -nE 's/^([a-z-]+):.*## /make \1\t/p' Makefile | expand -t 22
 
@@ -102,9 +102,13 @@ fuzz: ## run each fuzz target for SECONDS (60); what they find stays in build/fu
 	  grep -E 'DONE|cov:' build/fuzz/$$target.log | tail -1; \
 	done
 
+docs: ## the reference of the public headers and the guide, into build/docs/html
+	@scripts/install-packages docs
+	$(call quiet,docs,doxygen docs/Doxyfile)
+
 check: ## all that must hold before a change is merged
 	@$(MAKE) --no-print-directory test WERROR=ON
-	@$(MAKE) --no-print-directory asan tsan lint format-check
+	@$(MAKE) --no-print-directory asan tsan lint format-check docs
 	@$(MAKE) --no-print-directory fuzz SECONDS=10
 
 clean: ## remove all that was built

@@ -37,6 +37,8 @@ class KELXDynamicArray : public KELXArrayFreeCallback {
     for (int i = 0; i < n; ++i) Add(value);
   }
 
+  /// Shares the elements of `other`; those held before are given up.
+  /// @{
   KELXDynamicArray(const KELXDynamicArray& other) : header_(kelxArrayCopy(other.header_)) {}
 
   KELXDynamicArray& operator=(const KELXDynamicArray& other) {
@@ -45,6 +47,7 @@ class KELXDynamicArray : public KELXArrayFreeCallback {
     header_ = kelxArrayCopy(other.header_);
     return *this;
   }
+  /// @}
 
   ~KELXDynamicArray() override { kelxArrayFree(header_, this); }
 
@@ -64,11 +67,14 @@ class KELXDynamicArray : public KELXArrayFreeCallback {
     return Data() + index;
   }
 
-  /// The elements in order, for reading.
+  /// The elements in order, for reading. `for (const T& element : array)` copies nothing.
+  /// @{
   [[nodiscard]] const T* begin() const { return Data(); }
   [[nodiscard]] const T* end() const { return Data() + Count(); }
+  /// @}
 
-  /// Appends a copy of `x`, which may be an element of this array.
+  /// Appends a copy of `x`, which may be an element of this array. The process ends when there is
+  /// no room for it.
   void Add(const T& x) {
     const std::less<const T*> before;
     const bool isOwn = !before(&x, begin()) && before(&x, end());
@@ -108,7 +114,8 @@ class KELXDynamicArray : public KELXArrayFreeCallback {
   /// Removes every element; the capacity stays.
   void Clear() { Callback(); }
 
-  /// Destroys every element in index order, unless other arrays still share them.
+  /// What Clear does: destroys every element in index order, unless other arrays still share them,
+  /// and sets the count to 0.
   void Callback() override {
     if (!kelxArrayIsShared(header_)) {
       for (int i = 0, count = Count(); i < count; ++i) Data()[i].~T();

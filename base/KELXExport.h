@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The marks of exported names.
+
 /// Marks what `libKELXBase` exports; everything else in that library stays hidden.
 #define KELXBASE_API __attribute__((visibility("default")))
 

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// A moment as the file format stores it.
+
 #if defined(_WIN32)
 #include <windows.h>
 #else
@@ -11,6 +14,7 @@ struct tagFILETIME {
   unsigned int dwHighDateTime;  ///< high 32 bits of the count
 };
 
+/// The usual name of the record.
 using FILETIME = tagFILETIME;
 
 #endif

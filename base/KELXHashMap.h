@@ -29,13 +29,20 @@ class KELXHashMap {
   static_assert(std::is_same_v<K, unsigned int>, "the hash is one of 32-bit keys");
 
  public:
+  /// A hash of keys, and whether two keys are equal, for SetKeyFunctions. Equal keys need equal
+  /// hashes.
+  /// @{
   using KeyHash = unsigned int (*)(const K& key);
   using KeyEqual = bool (*)(const K& a, const K& b);
+  /// @}
 
   /// The default hash: the key itself while the switch is on, else its bits well mixed.
   struct keyHasher {
+    /// The hash of `key`.
     std::size_t operator()(const K& key) const noexcept { return DefaultHash(key); }
   };
+
+  /// The default equality.
   using keyEqual = std::equal_to<K>;
 
   /// An empty map with room for `initialSize` entries, in standard mode when `allowStd` is true and
@@ -85,8 +92,9 @@ class KELXHashMap {
     return true;
   }
 
-  /// Moves the entries of the own table to one of `size` slots, which must be more than there are
-  /// entries; ignored when it is not. In standard mode asks for `size` buckets.
+  /// Moves the entries of the own table to one of `size` slots; ignored when they are not more than
+  /// the entries that there are. An empty map takes any size: below 1 it has no slots and accepts
+  /// nothing from then on. In standard mode asks for `size` buckets.
   void Rehash(int size) {
     if (standard_) return standard_->map.rehash(static_cast<std::size_t>(std::max(size, 0)));
     if (count_ > 0 && size <= static_cast<int>(count_)) return;

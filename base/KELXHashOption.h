@@ -10,6 +10,8 @@ class KELXBASE_API KELXHashOption {
  public:
   /// Whether maps that allow it are made of the standard library's unordered map, and keys hash to
   /// themselves.
+  /// @{
   static bool GetUseStdHash();
   static void SetUseStdHash(bool useStdHash);
+  /// @}
 };

@@ -18,6 +18,8 @@ class KELXBASE_API KELXPropertyContainer : public KELXReferenceCount {
 
   /// Names the container. `name` is copied.
   void SetPropertyName(KELXString& name);
+
+  /// The name; empty until one is given.
   [[nodiscard]] KELXString GetPropertyName() const { return name_; }
 
   /// The properties in their order; a copy that shares them.

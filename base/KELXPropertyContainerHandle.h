@@ -8,7 +8,11 @@
 class KELXBASE_API KELXPropertyContainerHandle : public KELXTypedHandle<KELXPropertyContainer> {
  public:
   using KELXTypedHandle::KELXTypedHandle;
+
+  /// Holds the list of `other` too.
+  /// @{
   KELXPropertyContainerHandle(const KELXPropertyContainerHandle& other) = default;
   KELXPropertyContainerHandle& operator=(const KELXPropertyContainerHandle& other) = default;
+  /// @}
   ~KELXPropertyContainerHandle() override;
 };

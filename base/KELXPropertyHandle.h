@@ -8,7 +8,11 @@
 class KELXBASE_API KELXPropertyHandle : public KELXTypedHandle<KELXProperty> {
  public:
   using KELXTypedHandle::KELXTypedHandle;
+
+  /// Holds the property of `other` too.
+  /// @{
   KELXPropertyHandle(const KELXPropertyHandle& other) = default;
   KELXPropertyHandle& operator=(const KELXPropertyHandle& other) = default;
+  /// @}
   ~KELXPropertyHandle() override;
 };

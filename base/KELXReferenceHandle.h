@@ -9,9 +9,11 @@ class KELXBASE_API KELXReferenceHandle {
  public:
   /// Holds `p` and raises its count; null gives a handle that holds nothing.
   KELXReferenceHandle(KELXReferenceCount* p);
+
+  /// Holds the object of `other` too.
   KELXReferenceHandle(const KELXReferenceHandle& other);
 
-  /// Holds the object of `other`; the object held before loses a reference.
+  /// Holds the object of `other` too; the object held before loses a reference.
   KELXReferenceHandle& operator=(const KELXReferenceHandle& other);
 
   /// Lowers the count of the object held.

@@ -6,7 +6,8 @@
 
 #include "base/KELXExport.h"
 
-/// A text of Unicode code points: a value type.
+/// A text of Unicode code points: a value type. Programs make one of a literal, `KELXString(L"a")`,
+/// or of UTF-8 with fromUtf8, and read it with toUtf8.
 ///
 /// Copies share one immutable block of characters, so copying costs one counter increment; the
 /// counter is atomic, so copies may live on different threads. One object is for one thread at a
@@ -31,14 +32,18 @@ class KELXBASE_API KELXString {
   /// The NUL-terminated 8-bit text at `text`, converted from the character set `charset`: "CP"
   /// and a Windows code page number in decimal, "US-ASCII" (read as its superset UTF-8), any
   /// other name that the C library's iconv knows, or null. Null and unknown names read as
-  /// Windows-1252. To convert many texts from one set use KELXTextDecoder.
+  /// Windows-1252. KELXTextDecoder converts many texts from one set, and texts that have zero bytes
+  /// in them, as UTF-16 has.
   KELXString(const char* text, const char* charset);
 
   /// The string of one character; a NUL counts as a character.
   KELXString(wchar_t character);
 
+  /// The same text.
+  /// @{
   KELXString(const KELXString& other) noexcept;
   KELXString& operator=(const KELXString& other) noexcept;
+  /// @}
   virtual ~KELXString();
 
   /// The UTF-8 text in `text`; bytes that are not UTF-8 become one U+FFFD each.
@@ -68,8 +73,10 @@ class KELXBASE_API KELXString {
   [[nodiscard]] KELXString replace(unsigned short from, unsigned short to) const;
 
   /// The order of compareTo: `a <= b` holds exactly when `a > b` does not.
+  /// @{
   bool operator>(const KELXString& other) const noexcept { return compareTo(other) > 0; }
   bool operator<=(const KELXString& other) const noexcept { return compareTo(other) <= 0; }
+  /// @}
 
   /// A hash that is the same for strings that are equal.
   [[nodiscard]] std::size_t hash() const noexcept;

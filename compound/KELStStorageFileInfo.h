@@ -31,6 +31,7 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
   /// not go on. Of a file that was refused the image keeps the header.
   explicit KELStStorageFileInfo(const KELXFilePath& path);
 
+  /// The same image.
   KELStStorageFileInfo(const KELStStorageFileInfo& other);
 
   /// Takes over the content of `other` and returns another copy of it, by value.
@@ -46,6 +47,7 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
   /// and byte-order mark are not tested.
   [[nodiscard]] bool checkHeader() const;
 
+  /// The header as it was read, its `headerDifSect` null; of an empty image all zeros.
   [[nodiscard]] KELStStorageHeader getHeader() const;
 
   /// The FAT: entry i is the number of the sector that follows sector i in its chain. Numbers from
@@ -74,18 +76,23 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
   /// The offset in the mini stream, in bytes and modulo 2^32, at which mini sector `sector` begins.
   [[nodiscard]] unsigned int getEquivalentMiniFatBytePos(unsigned int sector) const;
 
-  /// First sector and size in bytes of the mini stream, from the first directory entry; 0 when
-  /// that is no root entry.
+  /// First sector and size in bytes of the mini stream, as the first directory entry states them;
+  /// 0 when that is no root entry. Of a damaged file getMiniStream may hold less.
+  /// @{
   [[nodiscard]] unsigned int getMiniStreamStartSect() const;
   [[nodiscard]] unsigned long getMiniStreamLength() const;
+  /// @}
 
   /// The most sectors that a chain is followed for: as many as the file had when it was loaded,
   /// and some more for files that were cut short.
   [[nodiscard]] unsigned long getLongestChain() const;
 
-  // The steps of loading, in order. Each reads from `file`, which must be open for reading and
-  // stays the caller's, and does nothing when that is null. The steps after setHeader add to what
-  // the image holds and take for granted that checkHeader is true.
+  /// @name The steps of loading, in order
+  /// The constructor takes them all; they are of use for looking into one of them. Each reads from
+  /// `file`, which must be open for reading and stays the caller's, and does nothing when that is
+  /// null. The steps after setHeader add to what the image holds and take for granted that
+  /// checkHeader is true. None makes an image valid.
+  /// @{
 
   /// Reads the header and decides the byte order. The header's own DIFAT entries, owned by the
   /// image, are then at `headerDifSect` of this image only, never of copies.
@@ -112,6 +119,8 @@ class KELXSTSTORAGE_API KELStStorageFileInfo {
 
   /// Appends `count` bytes from `bytes` to the mini stream; nothing when `count` is 0 or less.
   void addBytesToMiniBuffer(unsigned char* bytes, int count);
+
+  /// @}
 
  private:
   void Load(std::FILE* file);

@@ -10,8 +10,13 @@ class KELXSTSTORAGE_API KELStStorageHeader {
  public:
   /// Every field zero or null.
   KELStStorageHeader() = default;
+
+  /// The same fields; the pointer is copied too.
+  /// @{
   KELStStorageHeader(const KELStStorageHeader&) = default;
   KELStStorageHeader& operator=(const KELStStorageHeader&) = default;
+  /// @}
+
   ~KELStStorageHeader() { headerDifSect = nullptr; }
 
   static constexpr int kDifatOffset = 76;    ///< where the header's DIFAT entries begin, in bytes

@@ -25,6 +25,7 @@ class KELXSTSTORAGE_API KELIPropertySetStorage : public KELXReferenceCount {
   /// Appends every set to `propertyStorages`, each with its count raised for the caller.
   void GetPropertyStorages(KELXDynamicArray<KELIPropertyStorage*>& propertyStorages);
 
+  /// The number of sets.
   int GetPropertyStorageCount();
 
   /// Finds the first set whose name is `name`, case included; a set without a name property has
@@ -32,8 +33,9 @@ class KELXSTSTORAGE_API KELIPropertySetStorage : public KELXReferenceCount {
   KELXResult GetPropertyStorageWithName(const KELXString& name,
                                         KELIPropertyStorage*& propertyStorage);
 
-  /// The same by the 16 bytes at `id`, in the order that GetPropertyStorageID gives: a set of two
-  /// sections is found by the identifier of the second one only.
+  /// The same by the format identifier in the 16 bytes at `id`, never null, in the order that
+  /// KELIPropertyStorage::GetPropertyStorageID gives: a set of two sections is found by the
+  /// identifier of the second one only.
   KELXResult GetPropertyStorageWithID(const unsigned char* id,
                                       KELIPropertyStorage*& propertyStorage);
 

@@ -9,7 +9,11 @@ class KELXSTSTORAGE_API KELIPropertySetStorageHandle
     : public KELXTypedHandle<KELIPropertySetStorage> {
  public:
   using KELXTypedHandle::KELXTypedHandle;
+
+  /// Holds the collection of `other` too.
+  /// @{
   KELIPropertySetStorageHandle(const KELIPropertySetStorageHandle& other) = default;
   KELIPropertySetStorageHandle& operator=(const KELIPropertySetStorageHandle& other) = default;
+  /// @}
   ~KELIPropertySetStorageHandle() override;
 };

@@ -40,13 +40,15 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
 
   /// Parses the `length` bytes at `bytes`, `length` taken as unsigned. They stay the caller's and
   /// must last until the call returns. False when `bytes` is null or they do not begin with the
-  /// byte-order mark 0xFFFE and the format version 0; the set then holds no property.
+  /// byte-order mark 0xFFFE and the format version 0 (FE FF 00 00; a version that the end cuts is
+  /// 0 as well); the set then holds no property.
   ///
   /// The first section is taken to follow the header, whatever offset the header states.
   bool InitializeFromBuffer(const unsigned char* bytes, int length);
 
-  // The steps of parsing. They work on the bytes last given to InitializeFromBuffer and are of use
-  // while those last.
+  /// @name The steps of parsing
+  /// They work on the bytes last given to InitializeFromBuffer and are of use while those last.
+  /// @{
 
   /// Reads the second section, from the offset that the header states, into an array of its own.
   void ReadExtendedSection();
@@ -61,11 +63,15 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   /// end when there is none. The array owns it from then on. Null is ignored.
   void AddOrUpdateProperty(KELXProperty* property, KELXDynamicArray<KELXPropertyHandle>& array);
 
-  // Readers of little-endian values. A value that lies whole between the begin of the bytes and
-  // their end is read, and `cursor` moves past it. Any other, and any at a null cursor, is 0, and
-  // `cursor` stays. Until InitializeFromBuffer was given bytes nothing is known of their end, and
-  // every value is read.
+  /// @}
 
+  /// @name Readers of little-endian values
+  /// A value that lies whole between the begin of the bytes and their end is read, and `cursor`
+  /// moves past it. Any other, and any at a null cursor, is 0, and `cursor` stays. Until
+  /// InitializeFromBuffer was given bytes nothing is known of their end, and every value is read.
+  /// @{
+
+  /// Reads a value of 1, 2, 4 or 8 bytes, as many as the type of the result has.
   unsigned char ReadByte(unsigned char*& cursor);
   unsigned short ReadUnsignedShort(unsigned char*& cursor);
   unsigned int ReadUnsignedInt(unsigned char*& cursor);
@@ -88,23 +94,31 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   /// the next multiple of 4 are skipped.
   KELXString ReadMBCSString(unsigned char*& cursor, bool pad);
 
-  // Values as text. `format` is one of swprintf and takes one value. At most 259 characters come
-  // out: what swprintf leaves of a longer text, which with the GNU C library is its first 259.
-  // They do not depend on the set.
+  /// @}
 
-  /// `isSigned` says whether the value is widened with its sign.
+  /// @name Values as text
+  /// `format` is one of swprintf and takes one value. At most 259 characters come out: what
+  /// swprintf leaves of a longer text, which with the GNU C library is its first 259. They do not
+  /// depend on the set.
+  /// @{
+
+  /// The value as an int; `isSigned` says whether it is widened with its sign.
   static KELXString FormatByte(unsigned char value, const wchar_t* format, bool isSigned);
   static KELXString FormatUnsignedShort(unsigned short value, const wchar_t* format, bool isSigned);
 
   /// The flag has no effect; the format says how the bits are read. A format for a long sees the
   /// 32 bits with zeros before them.
   static KELXString FormatUnsignedInt(unsigned int value, const wchar_t* format, bool isSigned);
+
+  /// The same of 64 bits, for a format that takes a long long.
   static KELXString FormatUnsignedInt64(unsigned long long value, const wchar_t* format,
                                         bool isSigned);
 
   /// With a decimal point also where the locale of the process has a comma: every comma in the
   /// text becomes a point.
   static KELXString FormatFloat(float value, const wchar_t* format);
+
+  /// As FormatFloat.
   static KELXString FormatDouble(double value, const wchar_t* format);
 
   /// "True" for 0xFFFF, else "False".
@@ -116,8 +130,14 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   /// The GUID in braces, with capital digits; `id` has 16 bytes in display order.
   static KELXString FormatCLSID(unsigned char* id);
 
-  // Names and queries. After parsing, the properties of the first section come first, in the order
-  // of its table, then those of the second. Identifiers may therefore occur twice.
+  /// @}
+
+  /// @name Names and queries
+  /// After parsing, the properties of the first section come first, in the order of its table, then
+  /// those of the second. Identifiers may therefore occur twice. Names are those of the dictionary
+  /// in the stream: the usual sets have none for their own properties, whose identifiers have fixed
+  /// meanings, and the name of these is empty.
+  /// @{
 
   /// Exchanges each property in `array` that the dictionary names for a new one with that name.
   void AddPropertyDisplayName(KELXDynamicArray<KELXPropertyHandle>& array);
@@ -136,8 +156,8 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   /// negative `id` is widened with its sign and finds nothing where a long has 64 bits.
   KELXPropertyHandle GetPropertyWithID(int id);
 
-  /// The first property named `name`, case included; a handle that is not valid when there is
-  /// none. The empty name finds the first property that the dictionary does not name.
+  /// The first property named `name`, case included; a handle that is not valid when there is none.
+  /// The empty name finds the first property that has no name.
   KELXPropertyHandle GetPropertyWithName(const KELXString& name);
 
   /// The text of the last property read that has the identifier 255; empty when there is none.
@@ -147,21 +167,31 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   /// when the stream has two sections, else that of the first.
   void GetPropertyStorageID(unsigned char* out);
 
-  // The header as it was read, and what the properties say of the set as a whole.
+  /// @}
 
+  /// @name The header as it was read, and what the properties say of the set as a whole
+  /// @{
+
+  /// The byte-order mark, 0xFFFE in every set that was parsed.
   [[nodiscard]] unsigned short GetByteOrder() const { return byteOrder_; }
+
+  /// The format version, 0 in every set that was parsed.
   [[nodiscard]] unsigned short GetFormatVersion() const { return formatVersion_; }
 
-  /// Low and high half of the identifier of the system that wrote the stream.
+  /// Low half of the identifier of the system that wrote the stream.
   [[nodiscard]] unsigned short GetOSVersion() const { return osVersion_; }
+
+  /// High half of it.
   [[nodiscard]] unsigned short GetOSKind() const { return osKind_; }
 
   /// Writes the 16 bytes of the class identifier to `out`.
   void GetClassID(unsigned char* out) const;
+
+  /// The number of sections as stated. Only 2 makes a second section be read.
   [[nodiscard]] unsigned int GetSectionCount() const { return sectionCount_; }
 
-  /// Writes the 16 bytes of a section's own FMTID to `out`: of the second section when `section`
-  /// is 1, else of the first.
+  /// Writes the 16 bytes of a section's own FMTID to `out`: of the second section, zeros when there
+  /// is none, when `section` is 1, else of the first.
   void GetSectionID(int section, unsigned char* out) const;
 
   /// How many properties the second section has: after parsing the last ones of the list.
@@ -172,6 +202,8 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
 
   /// The locale, from property 0x80000000; 0 when there is none.
   [[nodiscard]] unsigned int GetLocaleID() const { return localeId_; }
+
+  /// @}
 
  private:
   friend class KELIStorage;  // parses streams that hold less than they claim

@@ -8,7 +8,11 @@
 class KELXSTSTORAGE_API KELIPropertyStorageHandle : public KELXTypedHandle<KELIPropertyStorage> {
  public:
   using KELXTypedHandle::KELXTypedHandle;
+
+  /// Holds the set of `other` too.
+  /// @{
   KELIPropertyStorageHandle(const KELIPropertyStorageHandle& other) = default;
   KELIPropertyStorageHandle& operator=(const KELIPropertyStorageHandle& other) = default;
+  /// @}
   ~KELIPropertyStorageHandle() override;
 };

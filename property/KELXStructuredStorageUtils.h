@@ -31,12 +31,15 @@ class KELXSTSTORAGE_API KELXStructuredStorageUtils {
   /// The name of the set, empty when it has none. The first argument is not used.
   static KELXResult GetPropertySetName(int, KELIPropertyStorage* propertyStorage, KELXString& name);
 
-  /// Packs all properties of the set, maybe none, into a new container with the name of the set.
+  /// Packs all properties of this one set, maybe none, into a new container with the name of the
+  /// set. What `container` held before is let go.
   static KELXResult GetAllPropertySets(KELIPropertyStorage* propertyStorage,
                                        KELXPropertyContainerHandle& container);
 
-  /// Opens the set of `storage` with the format identifier in the 16 bytes at `id`, in display
-  /// order. KELXResult::kNotFound, with `propertyStorage` null, when there is none.
+  /// Opens the set of `storage` with the format identifier in the 16 bytes at `id`, never null, in
+  /// display order: {F29F85E0-4FF9-... begins with the bytes F2 9F 85 E0 4F F9. A set of two
+  /// sections goes by the identifier of the second one. KELXResult::kNotFound, with
+  /// `propertyStorage` null, when there is none.
   static KELXResult OpenPropertySetWithId(KELIStorage* storage, const unsigned char* id,
                                           KELIPropertyStorage*& propertyStorage);
 
@@ -46,8 +49,8 @@ class KELXSTSTORAGE_API KELXStructuredStorageUtils {
                                             const KELXString& name,
                                             KELIPropertyStorage*& propertyStorage);
 
-  /// Appends every set in `set` to `propertyStorages`. KELXResult::kNotFound when that holds
-  /// nothing afterwards.
+  /// Appends every set in `set` to `propertyStorages`, each to be closed. KELXResult::kNotFound
+  /// when that holds nothing afterwards.
   static KELXResult OpenAllPropertyStorages(
       KELIPropertySetStorage* set, KELXDynamicArray<KELIPropertyStorage*>& propertyStorages);
 
@@ -55,7 +58,9 @@ class KELXSTSTORAGE_API KELXStructuredStorageUtils {
   /// `storage` is null.
   static KELXResult OpenPropertySetStorage(KELIStorage* storage, KELIPropertySetStorage*& set);
 
-  /// Give one reference back. Null is ignored. Always true.
+  /// Gives one reference back. Null is ignored. Always true.
+  /// @{
   static bool ClosePropertySetStorage(KELIPropertySetStorage* set);
   static bool ClosePropertyStorage(KELIPropertyStorage* propertyStorage);
+  /// @}
 };

@@ -44,8 +44,8 @@ class KELXSTSTORAGE_API KELIStorage {
   /// - a small stream whose chain of mini sectors loops, leaves the mini stream or is longer than
   ///   the size: `*stream` holds the bytes read so far, without a directory entry, and the caller
   ///   owns it.
-  /// A chain that ends early is no failure: the stream then holds fewer bytes than its entry says.
-  /// Of a file that has become shorter the missing bytes are zero.
+  /// A chain that ends early is no failure: the stream then holds fewer bytes than its entry says,
+  /// and none when the entry says 2^31 or more. Bytes that the file has lost are zero.
   int openStream(const KELXString& name, KELIStream** stream);
 
   /// Finds the stream `name`, letter case ignored, and copies its entry to `entry`; false, with
@@ -62,8 +62,10 @@ class KELXSTSTORAGE_API KELIStorage {
   /// fails as openStream does with a small stream; -1 also when `stream` is null.
   int getStreamFromMiniFat(const KELStStorageDirEntry& entry, KELIStream** stream);
 
-  /// Opens the child storage `name`, letter case included, and reads its property sets. On success
-  /// the caller owns `*storage`; when there is no such valid child storage `*storage` is null.
+  /// Opens the child storage `name`, letter case included, of several the one with the lowest
+  /// directory index, and reads its property sets. In a damaged file a storage can contain itself:
+  /// a walk through all storages needs a bound of its own. On success the caller owns `*storage`;
+  /// when there is no such valid child storage `*storage` is null.
   int openStorage(const KELXString& name, KELIStorage** storage);
 
   /// Finds the storage `name`, letter case included, as searchStream finds a stream.
@@ -71,8 +73,8 @@ class KELXSTSTORAGE_API KELIStorage {
 
   /// Lists every child, whatever its type, in ascending directory index: replaces the content of
   /// `elements` by copies of their entries. -1 when there are none; `elements` is then empty, or
-  /// untouched when the storage's entry has no child link at all. The first list that is not empty
-  /// is kept and answers every later call.
+  /// untouched when the storage's entry has no child link at all: give an empty one. The first list
+  /// that is not empty is kept and answers every later call.
   int enumElements(KELXDynamicArray<KELStStorageDirEntry>& elements);
 
   /// Appends to `indices` the directory index `index` and those of all entries that sibling links

@@ -4,6 +4,9 @@
 
 #include "base/KELXDynamicArray.h"
 
+/// @file
+/// Sorting of arrays.
+
 /// Sorts the elements at the positions `left` to `right`, both included, in ascending order.
 ///
 /// `T` offers `<=` and `>` of one total order. Equal elements may change places. Positions outside
