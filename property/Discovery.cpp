@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "property/PropertyTexts.h"
 #include "storage/KELIStorage.h"
 #include "storage/KELIStream.h"
 
@@ -32,6 +33,7 @@ KELIPropertySetStorage* KELIStorage::getPropertySetStorage() {
     return propertySets_;
   }
   std::uint64_t textAllowance = KELIPropertyStorage::kTextAllowance;
+  kelx::internal::CodePageDecoders decoders;
   std::uint64_t bytesLeft = MostBytes(*image_);
   for (const KELStStorageDirEntry& child : children) {
     if (!IsPropertyStream(child)) continue;
@@ -46,7 +48,8 @@ KELIPropertySetStorage* KELIStorage::getPropertySetStorage() {
     if (status != 0) continue;
     const KELIPropertyStorageHandle set(new KELIPropertyStorage);
     if (set->Initialize(held.begin(), static_cast<unsigned int>(held.Count()),
-                        static_cast<unsigned int>(stream->entry_.getSize()), textAllowance)) {
+                        static_cast<unsigned int>(stream->entry_.getSize()), textAllowance,
+                        &decoders)) {
       propertySets_->AddPropertyStorage(set);
     }
   }

@@ -51,7 +51,7 @@ KELXResult KELIPropertySetStorage::GetPropertyStorageWithID(const unsigned char*
       [&](KELIPropertyStorage& candidate) {
         std::array<unsigned char, 16> own{};
         candidate.GetPropertyStorageID(own.data());
-        return std::equal(own.begin(), own.end(), id);
+        return id != nullptr && std::equal(own.begin(), own.end(), id);
       },
       propertyStorage);
 }

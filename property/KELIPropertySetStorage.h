@@ -33,9 +33,9 @@ class KELXSTSTORAGE_API KELIPropertySetStorage : public KELXReferenceCount {
   KELXResult GetPropertyStorageWithName(const KELXString& name,
                                         KELIPropertyStorage*& propertyStorage);
 
-  /// The same by the format identifier in the 16 bytes at `id`, never null, in the order that
-  /// KELIPropertyStorage::GetPropertyStorageID gives: a set of two sections is found by the
-  /// identifier of the second one only.
+  /// The same by the format identifier in the 16 bytes at `id`, of which null finds nothing, in the
+  /// order that KELIPropertyStorage::GetPropertyStorageID gives: a set of two sections is found by
+  /// the identifier of the second one only.
   KELXResult GetPropertyStorageWithID(const unsigned char* id,
                                       KELIPropertyStorage*& propertyStorage);
 

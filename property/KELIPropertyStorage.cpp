@@ -30,15 +30,17 @@ bool KELIPropertyStorage::InitializeFromBuffer(const unsigned char* bytes, int l
 }
 
 /// Parses a stream of `length` bytes of which `held` are at `bytes`. What its texts take beyond
-/// their share by the length comes from `textAllowance`.
+/// their share by the length comes from `textAllowance`. `decoders` may be shared with other
+/// streams.
 bool KELIPropertyStorage::Initialize(const unsigned char* bytes, unsigned int held,
-                                     unsigned int length, std::uint64_t& textAllowance) {
+                                     unsigned int length, std::uint64_t& textAllowance,
+                                     kelx::internal::CodePageDecoders* decoders) {
   streamBuffer_ = bytes;
   streamLength_ = length;
   heldLength_ = held;
   byteOrder_ = 0;
   if (bytes == nullptr) return false;
-  Parser parser(*this, textAllowance + kTextBytesAByte * held);
+  Parser parser(*this, textAllowance + kTextBytesAByte * held, decoders);
   auto* cursor = const_cast<unsigned char*>(bytes);
   if (!parser.ReadHeader(cursor)) return false;
   parser.ReadSection(cursor, first_, properties_);

@@ -13,6 +13,10 @@
 
 class KELIStorage;
 
+namespace kelx::internal {
+class CodePageDecoders;
+}
+
 /// One property set: the properties of one property-set stream, which has one or two sections.
 ///
 /// Reference counted; held by KELIPropertyStorageHandle. InitializeFromBuffer fills it, once. After
@@ -28,7 +32,8 @@ class KELIStorage;
 /// - all texts together have at most 64 MiB, at 4 bytes a character, and 16 times the bytes of the
 ///   stream; the first one that would pass that and all after it are empty. Properties that name
 ///   one value share its text. The 64 MiB are for all streams together that a storage finds;
-/// - from the 17th code page of one stream on, texts read as Windows-1252.
+/// - from the 257th code page on, in all streams together that a storage finds, texts read as
+///   Windows-1252.
 ///
 /// GUIDs are 16 bytes in display order: printed one after the other as hexadecimal numbers they
 /// give the usual text. The first three groups of digits are stored reversed in a stream.
@@ -221,7 +226,8 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
   static constexpr std::uint64_t kTextAllowance = std::uint64_t{64} << 20;
 
   bool Initialize(const unsigned char* bytes, unsigned int held, unsigned int length,
-                  std::uint64_t& textAllowance);
+                  std::uint64_t& textAllowance,
+                  kelx::internal::CodePageDecoders* decoders = nullptr);
   void AddName(unsigned int id, const KELXString& name);
   bool FindName(unsigned int id, KELXString& name) const;
 

@@ -36,9 +36,9 @@ class KELXSTSTORAGE_API KELXStructuredStorageUtils {
   static KELXResult GetAllPropertySets(KELIPropertyStorage* propertyStorage,
                                        KELXPropertyContainerHandle& container);
 
-  /// Opens the set of `storage` with the format identifier in the 16 bytes at `id`, never null, in
-  /// display order: {F29F85E0-4FF9-... begins with the bytes F2 9F 85 E0 4F F9. A set of two
-  /// sections goes by the identifier of the second one. KELXResult::kNotFound, with
+  /// Opens the set of `storage` with the format identifier in the 16 bytes at `id` (null finds
+  /// nothing), in display order: {F29F85E0-4FF9-... begins with the bytes F2 9F 85 E0 4F F9. A set
+  /// of two sections goes by the identifier of the second one. KELXResult::kNotFound, with
   /// `propertyStorage` null, when there is none.
   static KELXResult OpenPropertySetWithId(KELIStorage* storage, const unsigned char* id,
                                           KELIPropertyStorage*& propertyStorage);

@@ -60,10 +60,11 @@ void ReplaceEqualIdentifiers(Properties& properties, int firstNew) {
 
 }  // namespace
 
-KELIPropertyStorage::Parser::Parser(KELIPropertyStorage& set, std::uint64_t textBudget)
+KELIPropertyStorage::Parser::Parser(KELIPropertyStorage& set, std::uint64_t textBudget,
+                                    kelx::internal::CodePageDecoders* decoders)
     : set_(set),
       bytes_(set.streamBuffer_, set.heldLength_, set.streamLength_),
-      texts_(textBudget),
+      texts_(textBudget, decoders),
       dictionaryEntriesLeft_(kMostDictionaryEntries) {}
 
 bool KELIPropertyStorage::Parser::ReadHeader(unsigned char*& cursor) {

@@ -18,8 +18,9 @@ class KELIPropertyStorage::Parser {
  public:
   using Properties = KELXDynamicArray<KELXPropertyHandle>;
 
-  /// `textBudget` is that of PropertyTexts.
-  Parser(KELIPropertyStorage& set, std::uint64_t textBudget);
+  /// `textBudget` and `decoders` are those of PropertyTexts.
+  Parser(KELIPropertyStorage& set, std::uint64_t textBudget,
+         kelx::internal::CodePageDecoders* decoders = nullptr);
 
   /// Reads the header, up to the first section. False when this is no property set.
   bool ReadHeader(unsigned char*& cursor);

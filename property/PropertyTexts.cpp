@@ -11,8 +11,8 @@ namespace kelx::internal {
 
 namespace {
 
-/// Opening a converter takes time and memory. A well-formed stream has one code page a section.
-constexpr std::size_t kMostCodePages = 16;
+/// More than there are Windows code pages. Numbers that stand for none take a converter each too.
+constexpr std::size_t kMostCodePages = 256;
 
 }  // namespace
 
@@ -39,14 +39,14 @@ KELXString PropertyTexts::DecodeCodePage(std::span<const unsigned char> bytes,
   if (budget_ == 0) return {};
   std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   text = text.substr(0, text.find('\0'));
-  return Afford(text.size()) ? DecoderFor(codePage).Decode(text) : KELXString();
+  return Afford(text.size()) ? decoders_.For(codePage).Decode(text) : KELXString();
 }
 
 KELXString PropertyTexts::Limit(const KELXString& text) {
   return Afford(text.toUtf8().size()) ? text : KELXString();
 }
 
-const KELXTextDecoder& PropertyTexts::DecoderFor(unsigned short codePage) {
+const KELXTextDecoder& CodePageDecoders::For(unsigned short codePage) {
   if (decoders_.size() >= kMostCodePages && !decoders_.contains(codePage)) codePage = 0;
   const std::string charset = "CP" + std::to_string(codePage);
   return decoders_.try_emplace(codePage, codePage == 0 ? nullptr : charset.c_str()).first->second;

@@ -10,13 +10,25 @@
 
 namespace kelx::internal {
 
-/// Makes the texts of one property-set stream, within a budget, and with one converter for each
-/// code page.
+/// Converters of code pages, each opened when it is first needed: opening one takes longer than
+/// parsing a small stream, so the streams of a storage share them.
+class CodePageDecoders {
+ public:
+  const KELXTextDecoder& For(unsigned short codePage);
+
+ private:
+  std::map<unsigned short, KELXTextDecoder> decoders_;
+};
+
+/// Makes the texts of one property-set stream, within a budget.
 class PropertyTexts {
  public:
   /// `budget` limits the bytes of all texts, at 4 a character. The first text that would pass it
-  /// and all after it are empty.
-  explicit PropertyTexts(std::uint64_t budget) : budget_(budget) {}
+  /// and all after it are empty. Without `shared` converters it has its own.
+  PropertyTexts(std::uint64_t budget, CodePageDecoders* shared)
+      : budget_(budget), decoders_(shared != nullptr ? *shared : own_) {}
+  PropertyTexts(const PropertyTexts&) = delete;
+  PropertyTexts& operator=(const PropertyTexts&) = delete;
 
   /// The text in `bytes`, up to the first NUL.
   KELXString DecodeUtf16(std::span<const unsigned char> bytes);
@@ -29,11 +41,11 @@ class PropertyTexts {
   [[nodiscard]] std::uint64_t Budget() const { return budget_; }
 
  private:
-  const KELXTextDecoder& DecoderFor(unsigned short codePage);
   bool Afford(std::size_t characters);
 
   std::uint64_t budget_;
-  std::map<unsigned short, KELXTextDecoder> decoders_;
+  CodePageDecoders own_;
+  CodePageDecoders& decoders_;
 };
 
 }  // namespace kelx::internal

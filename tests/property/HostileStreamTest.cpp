@@ -172,10 +172,10 @@ TEST(HostileStream, NamesWhoseIdentifiersCollide) {
   }
 }
 
-TEST(HostileStream, CodePagesBeyondTheSixteenthReadAsWindows1252) {
+TEST(HostileStream, CodePagesBeyondTheMostReadAsWindows1252) {
   PropertySetBuilder builder;
   builder.Add(1, CodePage(1251)).Add(2, Lpstr("\xE9"));
-  for (std::uint16_t i = 0; i < 15; ++i) {
+  for (std::uint16_t i = 0; i < 255; ++i) {
     builder.Add(1, CodePage(static_cast<std::uint16_t>(30000 + i)));
     builder.Add(100U + i, Lpstr("\xE9"));
   }
