@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -148,10 +149,11 @@ class KELXHashMap {
     std::unordered_map<K, V, keyHasher, keyEqual> map;
   };
 
-  /// Four thirds of `entries` and one more; not positive when that is no 32-bit number.
+  /// Four thirds of `entries` and one more; 0 when that is no positive 32-bit number.
   static int SlotsFor(int entries) {
     constexpr double kSlotsAnEntry = 1.3333333333333333;
-    return static_cast<int>(static_cast<std::int64_t>(entries * kSlotsAnEntry) + 1);
+    const auto slots = static_cast<std::int64_t>(entries * kSlotsAnEntry) + 1;
+    return slots > 0 && slots <= INT_MAX ? static_cast<int>(slots) : 0;
   }
 
   static unsigned int ShiftSigned(unsigned int x, int bits) {
