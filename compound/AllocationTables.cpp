@@ -15,12 +15,19 @@ using kelx::internal::SectorRuns;
 
 namespace {
 
-constexpr unsigned int kMiniSectorSize = 64;  // in every header that is accepted
-constexpr std::uint64_t kLongestRead = 256;   // sectors of a table that are read at once
+constexpr std::uint64_t kLongestRead = 256;  // sectors of a table that are read at once
+
+/// DIFAT sectors that a file which was cut short may have lost: those of 512 MiB.
+constexpr std::uint64_t kLostDifatSectors = 64;
 
 /// What the FAT may hold beyond the length of the file, in bytes. A FAT is a small part of a
 /// well-formed file; only a DIFAT that lists sectors again and again makes it larger.
 constexpr std::uint64_t kFatAllowance = std::uint64_t{64} << 20;
+
+/// `sector` times 2 to the power `shift`, modulo 2^32. The header of a refused file may state any.
+unsigned int ShiftLeft(unsigned int sector, unsigned short shift) {
+  return shift < 32 ? sector << shift : 0;
+}
 
 bool IsFatSector(unsigned int sector) {
   return sector != kelx::internal::kEndOfChain && sector != kelx::internal::kFreeSector;
@@ -29,13 +36,13 @@ bool IsFatSector(unsigned int sector) {
 }  // namespace
 
 unsigned long KELStStorageFileInfo::getEquivalentFatBytePos(unsigned int sector) const {
-  const unsigned int distance = sector << SectorShift();
+  const unsigned int distance = ShiftLeft(sector, header_.sectorShift);
   const long base = long{header_.sectorBase} + KELStStorageHeader::kDifatOffset;
   return static_cast<unsigned long>(base + long{distance});
 }
 
 unsigned int KELStStorageFileInfo::getEquivalentMiniFatBytePos(unsigned int sector) const {
-  return sector * kMiniSectorSize;
+  return ShiftLeft(sector, header_.miniSectorShift);
 }
 
 /// Appends the entries of `sectorCount` neighbouring sectors to `table`.
@@ -65,23 +72,19 @@ void KELStStorageFileInfo::ReadTables(std::FILE* file, std::uint64_t sectorCount
   forEach([&runs](unsigned int sector) { runs.Add(sector); });
 }
 
+// The stated count alone ends the walk: a DIFAT that returns to a sector is read again.
 void KELStStorageFileInfo::readDifSector(std::FILE* file) {
   if (file == nullptr || header_.difStartSect == kelx::internal::kEndOfChain) return;
-  const auto lastEntry = [this, file](unsigned int sector) -> std::optional<unsigned int> {
-    unsigned int next = 0;
-    KELSetPosition(file, getEquivalentFatBytePos(sector) + SectorSize() - sizeof(next));
-    KELReadUINT(file, next, sameByteOrder_);
-    return next;
-  };
   const std::uint64_t stated = header_.numDifSects;
-  const SectorChain chain(header_.difStartSect, std::min(stated, getLongestChain()), lastEntry);
-  std::uint64_t sectorsRead = 0;
-  chain.ForEach([&](unsigned int sector) {
+  const std::uint64_t most = std::min(stated, fileLength_ / SectorSize() + kLostDifatSectors);
+  unsigned int sector = header_.difStartSect;
+  for (std::uint64_t sectorsRead = 1; sectorsRead <= most; ++sectorsRead) {
     KELXDynamicArray<unsigned int> entries;
     ReadTable(file, sector, 1, entries);
-    const bool isLast = ++sectorsRead == stated;
+    const bool isLast = sectorsRead == stated;
     difSector_.Append(entries.begin(), entries.Count() - (isLast ? 0 : 1));
-  });
+    sector = entries.end()[-1];
+  }
 }
 
 void KELStStorageFileInfo::readFatSector(std::FILE* file) {

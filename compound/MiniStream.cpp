@@ -22,7 +22,8 @@ void KELStStorageFileInfo::setMiniStreamData(std::FILE* file) {
   // Lengths are signed 32-bit values: 2^31 bytes and more have no length that could be read.
   const auto length = static_cast<int>(getMiniStreamLength());
   const unsigned int start = getMiniStreamStartSect();
-  if (file == nullptr || start == kelx::internal::kEndOfChain || length <= 0) return;
+  if (file == nullptr || !checkHeader()) return;
+  if (start == kelx::internal::kEndOfChain || length <= 0) return;
   const auto chain = kelx::internal::TableChain(start, getLongestChain(), fatSector_);
   kelx::internal::ReadChain(file, *this, chain, length - miniStream_.Count(), miniStream_);
 }

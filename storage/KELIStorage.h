@@ -42,8 +42,8 @@ class KELXSTSTORAGE_API KELIStorage {
   /// - no such child, a child that is no stream or not valid, or a large stream whose chain of
   ///   sectors loops or leaves the FAT: `*stream` is null;
   /// - a small stream whose chain of mini sectors loops, leaves the mini stream or is longer than
-  ///   the size: `*stream` holds the bytes read so far, without a directory entry, and the caller
-  ///   owns it.
+  ///   the size: `*stream` holds the bytes read so far, those of a loop again and again up to the
+  ///   size, without a directory entry, and the caller owns it.
   /// A chain that ends early is no failure: the stream then holds fewer bytes than its entry says,
   /// and none when the entry says 2^31 or more. Bytes that the file has lost are zero.
   int openStream(const KELXString& name, KELIStream** stream);

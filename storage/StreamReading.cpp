@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include "compound/ChainReader.h"
 #include "compound/OpenFile.h"
@@ -10,6 +11,8 @@ using kelx::internal::ChainEnd;
 
 namespace {
 
+constexpr unsigned int kMiniSectorSize = 64;  // in every file that is accepted
+
 using FileChain = kelx::internal::SectorChain<kelx::internal::TableLinks>;
 
 /// Whether a chain ends with a mark, every sector of it having an entry in the table.
@@ -20,23 +23,30 @@ bool IsWhole(const FileChain& chain, const KELXDynamicArray<unsigned int>& table
 /// Sizes are taken as signed 32-bit values: 2^31 bytes and more give nothing to read.
 int BytesWanted(const KELStStorageDirEntry& entry) { return static_cast<int>(entry.getSize()); }
 
-/// Appends the mini sectors of `chain` to `bytes`, `wanted` bytes in all. False when the chain does
-/// not end where `wanted` is used up at the latest, loops or leaves the mini stream: `bytes` then
-/// has what came before.
-bool AppendMiniSectors(const KELStStorageFileInfo& image, const FileChain& chain, int wanted,
-                       KELXDynamicArray<unsigned char>& bytes) {
+/// The most bytes of a small stream that room is made for before they are read.
+constexpr int kUsualCutoff = 4096;
+
+/// Appends the mini sectors from `sector` on to `bytes`, `wanted` bytes in all, as often as the
+/// chain names them. False when the chain does not end where `wanted` is used up at the latest,
+/// leaves the mini stream or takes more than `mostSteps`: `bytes` then has what came before.
+bool AppendMiniSectors(const KELStStorageFileInfo& image, unsigned int sector, int wanted,
+                       std::uint64_t mostSteps, KELXDynamicArray<unsigned char>& bytes) {
+  const KELXDynamicArray<unsigned int> miniFat = image.getMiniFatSector();
+  const kelx::internal::TableLinks next(
+      {miniFat.begin(), static_cast<std::size_t>(miniFat.Count())});
   const KELXDynamicArray<unsigned char> miniStream = image.getMiniStream();
-  const unsigned int sectorSize = image.getEquivalentMiniFatBytePos(1);
-  bytes.Reserve(BytesInChain(chain.Length(), sectorSize, wanted));
-  bool isWhole = true;
-  chain.ForEach([&](unsigned int sector) {
+  bytes.Reserve(std::min(wanted, kUsualCutoff));
+  for (std::uint64_t step = 0; step < mostSteps; ++step) {
     const std::uint64_t start = image.getEquivalentMiniFatBytePos(sector);
-    const int chunk = BytesInChain(1, sectorSize, wanted - bytes.Count());
+    const int chunk = BytesInChain(1, kMiniSectorSize, wanted - bytes.Count());
     const std::uint64_t end = start + static_cast<std::uint64_t>(std::max(chunk, 0));
-    isWhole = isWhole && chunk != 0 && end <= static_cast<std::uint64_t>(miniStream.Count());
-    if (isWhole) bytes.Append(miniStream.begin() + start, chunk);
-  });
-  return isWhole && chain.End() == ChainEnd::kMark;
+    if (chunk == 0 || end > static_cast<std::uint64_t>(miniStream.Count())) return false;
+    bytes.Append(miniStream.begin() + start, chunk);
+    const std::optional<unsigned int> following = next(sector);
+    if (!following) return true;
+    sector = *following;
+  }
+  return false;
 }
 
 }  // namespace
@@ -58,15 +68,13 @@ int KELIStorage::getStreamFromFat(const KELStStorageDirEntry& entry, KELIStream*
 
 int KELIStorage::getStreamFromMiniFat(const KELStStorageDirEntry& entry, KELIStream** stream) {
   if (stream == nullptr || !image_) return -1;
-  const KELXDynamicArray<unsigned int> miniFat = image_->getMiniFatSector();
-  const auto sectorSize = static_cast<int>(image_->getEquivalentMiniFatBytePos(1));
-  const int wanted = BytesWanted(entry);
-  // One mini sector more than the size needs is enough to tell that a chain is too long.
-  const int mostSectors = wanted < 0 ? miniFat.Count() + 1 : wanted / sectorSize + 2;
-  const FileChain chain = kelx::internal::TableChain(
-      entry.getStartSect(), static_cast<std::uint64_t>(mostSectors), miniFat);
+  // A chain without loops has no more mini sectors than the mini FAT has entries, and one more.
+  const std::uint64_t mostSteps = std::uint64_t{image_->getMiniFatSector().Count() + 1U};
   *stream = new KELIStream(0);
-  if (!AppendMiniSectors(*image_, chain, wanted, (*stream)->bytes_)) return -1;
+  if (!AppendMiniSectors(*image_, entry.getStartSect(), BytesWanted(entry), mostSteps,
+                         (*stream)->bytes_)) {
+    return -1;
+  }
   (*stream)->setDirEntry(entry);
   return 0;
 }

@@ -174,9 +174,9 @@ TEST(Tables, TheDifatListsFatSectors) {
       {"a DIFAT that links to itself",
        [](CompoundFile& file) {
          Patch(file, file.layout.SectorOffset(file.layout.difat[0]) + 508, file.layout.difat[0]);
-         PatchHeader(file, HeaderField::kDifatSectorCount, 0xFFFFFFFF);
+         PatchHeader(file, HeaderField::kDifatSectorCount, 3);
        },
-       129},
+       2 + 127 + 127 + 128},
       {"a skipped header entry",
        [](CompoundFile& file) { PatchHeader(file, HeaderField::Difat(0), kFreeSector); }, 129},
       {"a mark that counts as a sector",

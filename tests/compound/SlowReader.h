@@ -74,9 +74,10 @@ class SlowReader {
     KELSetPosition(file_, 76);
     for (int i = 0; i < 109; ++i) AddFatSector(Word());
     if (header_.difStartSect == 0xFFFFFFFE) return;
-    std::set<unsigned int> met;
     unsigned int sector = header_.difStartSect;
-    for (unsigned int i = 0; i < header_.numDifSects && met.insert(sector).second; ++i) {
+    std::fseek(file_, 0, SEEK_END);
+    const auto most = static_cast<unsigned int>(std::ftell(file_)) / sectorSize_ + 64;
+    for (unsigned int i = 0; i < std::min(header_.numDifSects, most); ++i) {
       Words words;
       ReadWords(sector, words);
       sector = words.back();
@@ -160,10 +161,10 @@ class SlowReader {
 
   bool ReadSmall(const Entry& entry, std::string& bytes) {
     unsigned int sector = entry.start;
-    std::set<unsigned int> met;
-    while (sector < kMarks || met.empty()) {
+    std::size_t steps = 0;
+    while (sector < kMarks || steps == 0) {
       const int left = static_cast<int>(entry.size - static_cast<unsigned int>(bytes.size()));
-      if (left == 0 || !met.insert(sector).second) return false;
+      if (left == 0 || steps++ > miniFat.size()) return false;
       const int chunk = std::min(left, 64);
       const std::uint64_t start = sector << 6;
       if (chunk > 0 && start + static_cast<unsigned int>(chunk) > miniStream.size()) return false;

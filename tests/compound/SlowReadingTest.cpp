@@ -110,7 +110,7 @@ TEST(SlowReading, SamplesAgree) {
 TEST(SlowReading, FilesCutAnywhereAgree) {
   const kelx::test::TemporaryFolder folder;
   for (const Bytes& whole : SmallFiles()) {
-    const std::size_t step = whole.size() > 20000 ? 397 : 61;
+    const std::size_t step = whole.size() > 20000 ? 397 : 127;
     for (std::size_t length = 0; length <= whole.size(); length += step) {
       ExpectSame(folder.Write("file", std::span(whole).first(length)));
       if (HasFatalFailure()) FAIL() << "at length " << length << " of " << whole.size();
