@@ -2,6 +2,9 @@
 SECONDS ?= 60
 FILE ?= tests/data/metadata.doc
 WERROR ?= OFF
+TESTS ?=
+VERSION := $(shell sed -nE 's/^ +VERSION ([0-9.]+)$$/\1/p' CMakeLists.txt)
+ARCHIVE := libKELXStStorage-$(VERSION)
 JOBS := $(shell nproc)
 KELST := build/release/tools/kelst
 FOLDERS := $(wildcard base compound property storage tools tests bench fuzz examples)
@@ -15,7 +18,7 @@ endef
 build = $(call quiet,build-$(1),cmake --preset $(1) $(2) && cmake --build --preset $(1))
 # $(call test,PRESET): the closing lines, or all but the passed tests when one failed.
 define test
-	@ctest --preset $(1) -j$(JOBS) >build/test-$(1).log 2>&1 || \
+	@ctest --preset $(1) -j$(JOBS) $(TESTS) >build/test-$(1).log 2>&1 || \
 	  { grep -vE ' Passed |^ +Start ' build/test-$(1).log; exit 1; }
 	@grep -E 'tests passed|Total Test time' build/test-$(1).log
 endef
@@ -106,9 +109,36 @@ docs: ## the reference of the public headers and the guide, into build/docs/html
 	@scripts/install-packages docs
 	$(call quiet,docs,doxygen docs/Doxyfile)
 
+symbols: ## take what the libraries export now for what they should export
+	@scripts/install-packages run test
+	$(call build,release)
+	@UPDATE=1 cmake/check-symbols.sh cmake build/release/libKELXBase.so \
+	  build/release/libKELXStStorage.so
+
+package: ## Debian packages in build/package, tried out in an empty root where root runs this
+	@scripts/install-packages run package
+	@rm -f build/package/*.deb
+	$(call quiet,build-package,eval "$$(DEB_BUILD_MAINT_OPTIONS=hardening=+bindnow \
+	  dpkg-buildflags --export=sh)" && cmake --preset package && cmake --build --preset package)
+	@tests/package/check-debian.sh build/package
+
+dist: ## the sources of the last commit in build/, as an archive
+	@scripts/install-packages package
+	@mkdir -p build && git archive --prefix=$(ARCHIVE)/ -o build/$(ARCHIVE).tar.gz HEAD
+	@echo build/$(ARCHIVE).tar.gz
+
+distcheck: dist ## build the archive of `dist` and run its tests of the tool and of installing
+	@scripts/install-packages run test
+	@rm -rf build/distcheck && mkdir build/distcheck
+	@tar -xf build/$(ARCHIVE).tar.gz -C build/distcheck
+	$(call quiet,build-distcheck,cd build/distcheck/$(ARCHIVE) && \
+	  cmake --preset release -DKELX_BUILD_FUZZ=OFF && \
+	  cmake --build --preset release --target KELXStStorage kelst kelx_cli_tests && \
+	  ctest --preset release -j$(JOBS) -L '^(cli|package)$$')
+
 check: ## all that must hold before a change is merged
-	@$(MAKE) --no-print-directory test WERROR=ON
-	@$(MAKE) --no-print-directory asan tsan lint format-check docs
+	@$(MAKE) --no-print-directory test WERROR=ON TESTS='-C thorough'
+	@$(MAKE) --no-print-directory asan tsan lint format-check docs package
 	@$(MAKE) --no-print-directory fuzz SECONDS=10
 
 clean: ## remove all that was built

@@ -23,7 +23,7 @@ function(kelx_add_shared target)
     ${target}
     PROPERTIES EXPORT_NAME ${arg_EXPORT_NAME}
                VERSION ${PROJECT_VERSION}
-               SOVERSION ${PROJECT_VERSION_MAJOR}
+               SOVERSION ${KELX_SOVERSION}
                LINKER_LANGUAGE CXX
                INSTALL_RPATH $ORIGIN)
   target_compile_features(${target} PUBLIC cxx_std_20)

@@ -212,7 +212,7 @@ class KELXSTSTORAGE_API KELIPropertyStorage : public KELXReferenceCount {
 
  private:
   friend class KELIStorage;  // parses streams that hold less than they claim
-  class Parser;
+  class [[gnu::visibility("hidden")]] Parser;
 
   /// What the stream says of a section, and where the section begins.
   struct Section {
