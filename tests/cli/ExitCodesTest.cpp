@@ -70,6 +70,8 @@ TEST(ExitCodeTest, TheHighestOfAllFilesCounts) {
       {{"cat", SampleFile("nested.cfb"), "st0"}, 1},
       {{"cat", good, "/"}, 1},
       {{"cat", "/missing", "x"}, 3},
+      {{"hexdump", good, "/"}, 1},
+      {{"hexdump", "/missing", "x"}, 3},
       {{"extract", "/missing"}, 3},
       {{"extract", good, "-C", "/missing/folder"}, 1},
   };
@@ -95,6 +97,10 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
                                                     {"ls", "--json", "-1", "x"},
                                                     {"cat", "x"},
                                                     {"cat", "x", "y", "z"},
+                                                    {"hexdump", "x", "y", "--offset", "-1"},
+                                                    {"hexdump", "x", "y", "--offset", "0x"},
+                                                    {"hexdump", "x", "y", "--length", "1k"},
+                                                    {"hexdump", "x", "y", "--length", "0x1g"},
                                                     {"extract", "x", "-C"},
                                                     {"info", "--bogus", "x"}};
   for (const auto& arguments : cases) {
@@ -107,7 +113,7 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
 TEST(HelpTest, EveryCommandHasHelpAndAVersion) {
   EXPECT_EQ(RunKelst({"--version"}).out, "kelst " KELX_VERSION "\n");
   EXPECT_THAT(RunKelst({"--help"}).out, HasSubstr("Exit codes:"));
-  for (const std::string command : {"info", "ls", "cat", "extract"}) {
+  for (const std::string command : {"info", "ls", "cat", "hexdump", "extract", "props"}) {
     EXPECT_EQ(RunKelst({command, "--version"}).out, "kelst " KELX_VERSION "\n");
     const RunResult help = RunKelst({command, "--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -121,6 +127,7 @@ TEST(StandardOutputTest, AFullDiskIsReportedAndAClosedPipeIsNot) {
   const std::vector<std::vector<std::string>> cases{{"cat", sample, "Data"},
                                                     {"extract", "-f", "-C", target.Path(), sample},
                                                     {"props", sample},
+                                                    {"hexdump", sample, "Data"},
                                                     {"ls", sample},
                                                     {"ls", "--json", sample},
                                                     {"info", sample},

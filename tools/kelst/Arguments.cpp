@@ -1,6 +1,8 @@
 #include "tools/kelst/Arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <string_view>
 
 namespace kelst {
 
@@ -41,6 +43,21 @@ CLI::Option* AddText(CLI::App& command, const std::string& name, std::string& va
 CLI::Option* AddTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                       const std::string& description) {
   return Add(command, name, values, description);
+}
+
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::uint64_t& value,
+                       const std::string& description) {
+  const auto parse = [name, &value](const std::string& argument) {
+    std::string_view digits = argument;
+    const bool isHexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
+    if (isHexadecimal) digits.remove_prefix(2);
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value, isHexadecimal ? 16 : 10);
+    if (error != std::errc() || stop != end) {
+      throw CLI::ConversionError(name + ": \"" + Unmark(argument) + "\" is not a number");
+    }
+  };
+  return command.add_option_function<std::string>(name, parse, description)->type_name("N");
 }
 
 std::vector<std::string> ArgumentsOf(int argc, char** argv) {

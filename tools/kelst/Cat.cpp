@@ -18,10 +18,6 @@ struct CatOptions {
 void WriteStream(CompoundFile& file, std::size_t position, Report& report) {
   const std::string path = file.Name() + ": " + file.Entries().PathOf(position) + ": ";
   const std::uint32_t index = file.Entries().Nodes()[position].index;
-  if (position == 0 || !file.Directory().At(index).isStream()) {
-    report.Fail(ExitCode::kFailed, path + "is not a stream");
-    return;
-  }
   StreamContent content(file, index);
   for (auto piece = content.Next(); !piece.empty() && report.Out().IsGood();
        piece = content.Next()) {
@@ -34,7 +30,7 @@ void WriteStream(CompoundFile& file, std::size_t position, Report& report) {
 void RunCat(const CatOptions& options, Report& report) {
   const auto file = CompoundFile::Open(options.file, report);
   if (!file) return;
-  const auto position = file->Find(options.path, "stream", report);
+  const auto position = file->FindStream(options.path, report);
   if (position) WriteStream(*file, *position, report);
 }
 

@@ -97,4 +97,13 @@ std::optional<std::size_t> CompoundFile::Find(const std::string& path, std::stri
   return std::nullopt;
 }
 
+std::optional<std::size_t> CompoundFile::FindStream(const std::string& path, Report& report) const {
+  const auto position = Find(path, "stream", report);
+  if (!position) return std::nullopt;
+  const std::uint32_t index = tree_.Nodes()[*position].index;
+  if (*position > 0 && directory_.At(index).isStream()) return position;
+  report.Fail(ExitCode::kFailed, name_ + ": " + tree_.PathOf(*position) + ": is not a stream");
+  return std::nullopt;
+}
+
 }  // namespace kelst

@@ -54,6 +54,9 @@ class CompoundFile {
   std::optional<std::size_t> Find(const std::string& path, std::string_view what,
                                   Report& report) const;
 
+  /// The same for a stream; that an entry is none is reported too.
+  std::optional<std::size_t> FindStream(const std::string& path, Report& report) const;
+
  private:
   CompoundFile(const std::string& path, const FileState& state, std::unique_ptr<KELIStorage> root);
 

@@ -36,6 +36,7 @@ void AddCommands(CLI::App& app, Report& report) {
   AddInfo(app, report);
   AddLs(app, report);
   AddCat(app, report);
+  AddHexdump(app, report);
   AddExtract(app, report);
   AddProps(app, report);
   app.footer("'kelst COMMAND --help' tells more about a command.\n");
