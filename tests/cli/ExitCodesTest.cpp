@@ -96,6 +96,7 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
                                                     {"ls", "-1", "-l", "x"},
                                                     {"ls", "--json", "-1", "x"},
                                                     {"cat", "x"},
+                                                    {"ls", "--sort", "time", "x"},
                                                     {"cat", "x", "y", "z"},
                                                     {"hexdump", "x", "y", "--offset", "-1"},
                                                     {"hexdump", "x", "y", "--offset", "0x"},

@@ -33,7 +33,8 @@ const char* const kPathHelp =
     "\\x05 for a control character or a slash (\\x2F), \\u200B for another character that cannot\n"
     "be seen, \\empty for no name at all, and \\#12 at the end for the entry with directory index\n"
     "12, which tells entries of one name apart. Quote it in a shell. A stream is also found by a\n"
-    "name in other letter case when no name fits exactly.\n";
+    "name in other letter case when no name fits exactly, and after that any entry by what its\n"
+    "packed name means, which ls shows in brackets.\n";
 
 CLI::Option* AddText(CLI::App& command, const std::string& name, std::string& value,
                      const std::string& description) {

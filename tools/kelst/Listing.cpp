@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/kelst/EntryName.h"
+#include "tools/kelst/InstallerName.h"
 #include "tools/kelst/ValueText.h"
 
 namespace kelst {
@@ -24,29 +26,55 @@ struct Counts {
   std::uint64_t storages = 0;
 };
 
-Counts CountBelow(const CompoundFile& file, std::size_t start) {
+Counts CountBelow(const CompoundFile& file, Positions order) {
   Counts counts;
-  const auto nodes = file.Entries().Nodes();
-  for (std::size_t position = std::max<std::size_t>(start, 1); position < nodes[start].end;
-       ++position) {
-    const KELStStorageDirEntry& entry = file.Directory().At(nodes[position].index);
+  for (const std::size_t position : order) {
+    if (position == 0) continue;
+    const KELStStorageDirEntry& entry = file.Directory().At(file.Entries().Nodes()[position].index);
     if (entry.isStream()) ++counts.streams;
-    if (entry.isStorage() && position != start) ++counts.storages;
+    if (entry.isStorage() && position != order.front()) ++counts.storages;
   }
   return counts;
 }
 
-/// The lines that lead from the storages above to an entry.
-std::string Branches(std::span<const TreeNode> nodes, std::size_t start, std::size_t position) {
-  if (position == start) return "";
-  const auto isLast = [&](std::size_t at) { return nodes[at].end == nodes[nodes[at].parent].end; };
-  std::vector<std::string_view> parts{isLast(position) ? "└── " : "├── "};
-  for (std::size_t at = nodes[position].parent; at != start; at = nodes[at].parent) {
-    parts.emplace_back(isLast(at) ? "    " : "│   ");
+/// The lines that lead from the storages above to each entry.
+class Branches {
+ public:
+  Branches(std::span<const TreeNode> nodes, Positions order)
+      : nodes_(nodes), start_(order.front()), lastChild_(nodes[start_].end - start_) {
+    for (const std::size_t position : order.subspan(1)) LastChild(position) = position;
   }
-  std::string branches;
-  std::for_each(parts.rbegin(), parts.rend(), [&](std::string_view part) { branches += part; });
-  return branches;
+
+  std::string Of(std::size_t position) {
+    if (position == start_) return "";
+    std::vector<std::string_view> parts{IsLast(position) ? "└── " : "├── "};
+    for (std::size_t at = nodes_[position].parent; at != start_; at = nodes_[at].parent) {
+      parts.emplace_back(IsLast(at) ? "    " : "│   ");
+    }
+    std::string branches;
+    std::for_each(parts.rbegin(), parts.rend(), [&](std::string_view part) { branches += part; });
+    return branches;
+  }
+
+ private:
+  /// The last one that is listed of the siblings of an entry.
+  std::size_t& LastChild(std::size_t position) {
+    return lastChild_[nodes_[position].parent - start_];
+  }
+  bool IsLast(std::size_t position) { return LastChild(position) == position; }
+
+  std::span<const TreeNode> nodes_;
+  std::size_t start_;
+  std::vector<std::size_t> lastChild_;  // of each entry from start_ on
+};
+
+/// The name or path of an entry as people see it, with what a packed name means.
+std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text) {
+  const std::uint32_t index = file.Entries().Nodes()[position].index;
+  const std::u16string& name = file.Directory().FullAt(index).name;
+  const auto decoded = DecodedInstallerName(name);
+  const std::string meaning = decoded ? " (" + WrittenName(*decoded) + ')' : "";
+  return text + meaning;
 }
 
 constexpr std::size_t kColumns = 7;  // before the path
@@ -84,46 +112,48 @@ void PrintRow(const Row& row, const Widths& widths, const std::string& path, Out
 
 }  // namespace
 
-void PrintTree(const CompoundFile& file, std::size_t start, Output& out) {
+void PrintTree(const CompoundFile& file, Positions order, Output& out) {
   const auto nodes = file.Entries().Nodes();
-  const std::size_t sizeWidth = std::max<std::size_t>(Grouped(nodes[start].bytes).size(), 8);
+  const std::string total = Grouped(nodes[order.front()].bytes);
+  const std::size_t sizeWidth = std::max<std::size_t>(total.size(), 8);
   const std::size_t kindWidth = 7;
+  Branches branches(nodes, order);
   out.Write(file.Name() + '\n');
-  for (std::size_t position = std::max<std::size_t>(start, 1);
-       position < nodes[start].end && out.IsGood(); ++position) {
+  for (const std::size_t position : order) {
+    if (!out.IsGood()) return;
+    if (position == 0) continue;
     const KELStStorageDirEntry& entry = file.Directory().At(nodes[position].index);
-    const std::string name =
-        position == start ? file.Entries().PathOf(position) : file.Entries().NameOf(position);
+    const std::string name = position == order.front() ? file.Entries().PathOf(position)
+                                                       : file.Entries().NameOf(position);
     out.Write(PaddedLeft(Grouped(nodes[position].bytes), sizeWidth) + "  " +
-              PaddedRight(KindText(entry), kindWidth) + "  " + Branches(nodes, start, position) +
-              name + (entry.isStorage() ? "/" : "") + '\n');
+              PaddedRight(KindText(entry), kindWidth) + "  " + branches.Of(position) +
+              Shown(file, position, name + (entry.isStorage() ? "/" : "")) + '\n');
   }
-  const Counts counts = CountBelow(file, start);
-  out.Write(PaddedLeft(Grouped(nodes[start].bytes), sizeWidth) + "  bytes in " +
-            WithUnit(counts.streams, "stream") +
+  const Counts counts = CountBelow(file, order);
+  out.Write(PaddedLeft(total, sizeWidth) + "  bytes in " + WithUnit(counts.streams, "stream") +
             (counts.storages == 0 ? "" : " and " + WithUnit(counts.storages, "storage")) + '\n');
 }
 
-void PrintPaths(const CompoundFile& file, std::size_t start, Output& out) {
-  const TreeNode& node = file.Entries().Nodes()[start];
-  const bool isStorage = start == 0 || file.Directory().At(node.index).isStorage();
-  for (std::size_t position = isStorage ? start + 1 : start; position < node.end && out.IsGood();
-       ++position) {
+void PrintPaths(const CompoundFile& file, Positions order, Output& out) {
+  const std::size_t start = order.front();
+  const std::uint32_t index = file.Entries().Nodes()[start].index;
+  const bool isStorage = start == 0 || file.Directory().At(index).isStorage();
+  for (const std::size_t position : order.subspan(isStorage ? 1 : 0)) {
+    if (!out.IsGood()) return;
     out.Write(file.Entries().PathOf(position) + '\n');
   }
 }
 
-void PrintTable(const CompoundFile& file, std::size_t start, Output& out) {
+void PrintTable(const CompoundFile& file, Positions order, Output& out) {
   const Row titles{"index", "kind", "size", "start", "created", "modified", "class id"};
-  const std::size_t end = file.Entries().Nodes()[start].end;
   Widths widths{};
   Widen(widths, titles);
-  for (std::size_t position = start; position < end; ++position) {
-    Widen(widths, RowOf(file, position));
-  }
+  for (const std::size_t position : order) Widen(widths, RowOf(file, position));
   PrintRow(titles, widths, "path", out);
-  for (std::size_t position = start; position < end && out.IsGood(); ++position) {
-    PrintRow(RowOf(file, position), widths, file.Entries().PathOf(position), out);
+  for (const std::size_t position : order) {
+    if (!out.IsGood()) return;
+    const std::string path = Shown(file, position, file.Entries().PathOf(position));
+    PrintRow(RowOf(file, position), widths, path, out);
   }
 }
 

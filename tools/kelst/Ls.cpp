@@ -8,6 +8,7 @@
 #include "tools/kelst/Commands.h"
 #include "tools/kelst/CompoundFile.h"
 #include "tools/kelst/Listing.h"
+#include "tools/kelst/ListingOrder.h"
 
 namespace kelst {
 
@@ -16,7 +17,13 @@ namespace {
 constexpr const char* kLsHelp =
     "'kelst ls FILE PATH' lists a part of one file: the second of two arguments is a PATH when\n"
     "the first file holds it, and when there is no file of that name. A stream that is smaller\n"
-    "than the limit that info tells starts in a mini sector.\n";
+    "than the limit that info tells starts in a mini sector.\n"
+    "\n"
+    "--sort name ignores letter case, --sort size puts the largest first, and --sort index is the\n"
+    "default: the order of the directory. A storage always comes right before what it holds, and\n"
+    "counts with all of that.\n"
+    "\n"
+    "Behind a name that an installer database has packed stands in brackets what it means.\n";
 
 struct LsOptions {
   std::vector<std::string> arguments;
@@ -25,7 +32,13 @@ struct LsOptions {
   bool onlyPaths = false;
   bool isLong = false;
   bool json = false;
+  std::string sortKey = "index";
 };
+
+SortKey SortKeyOf(const std::string& name) {
+  if (name == "name") return SortKey::kName;
+  return name == "size" ? SortKey::kSize : SortKey::kIndex;
+}
 
 bool Exists(const std::string& path) {
   struct stat facts {};
@@ -39,15 +52,16 @@ class Lister {
 
   void List(const CompoundFile& file, std::size_t start, bool isOneOfMany) {
     Output& out = report_.Out();
+    const std::vector<std::size_t> order = ListingOrder(file, start, SortKeyOf(options_.sortKey));
     if (!options_.json && !isFirst_) out.Write("\n");
     isFirst_ = false;
     if (options_.json) {
-      PrintJson(file, start, out);
+      PrintJson(file, order, out);
     } else if (options_.isLong || options_.onlyPaths) {
       if (isOneOfMany) out.Write(file.Name() + ":\n");
-      options_.isLong ? PrintTable(file, start, out) : PrintPaths(file, start, out);
+      options_.isLong ? PrintTable(file, order, out) : PrintPaths(file, order, out);
     } else {
-      PrintTree(file, start, out);
+      PrintTree(file, order, out);
     }
     file.ReportProblems(report_);
   }
@@ -94,6 +108,9 @@ void AddLs(CLI::App& app, Report& report) {
   command->add_flag("-l,--long", options->isLong,
                     "Print a table: index, kind, size, start sector, times, class id");
   command->add_flag("--json", options->json, "Print one JSON document a file, each on a line");
+  AddText(*command, "--sort", options->sortKey, "Sort the entries of each storage by this")
+      ->check(CLI::IsMember({"name", "size", "index"}).description(""))
+      ->type_name("name|size|index");
   command->footer(std::string(kLsHelp) + '\n' + kPathHelp);
   command->callback([options, command, &report] {
     if (options->onlyPaths + options->isLong + options->json > 1) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "tools/kelst/InstallerName.h"
 #include "tools/kelst/Sectors.h"
 
 namespace kelst {
@@ -10,6 +11,12 @@ namespace kelst {
 namespace {
 
 constexpr std::size_t kMostProblems = 20;  // a damaged directory can have one an entry
+
+bool IsStored(std::u16string_view name, std::u16string_view wanted) { return name == wanted; }
+
+bool IsDecoded(std::u16string_view name, std::u16string_view wanted) {
+  return DecodedInstallerName(name) == wanted;
+}
 
 }  // namespace
 
@@ -119,12 +126,11 @@ std::string Tree::PathOf(std::size_t position) const {
 }
 
 std::optional<std::size_t> Tree::FindChild(std::size_t parent, const NamePattern& pattern,
-                                           bool ignoreCase) const {
+                                           IsName isName) const {
   for (std::size_t child = parent + 1; child < nodes_[parent].end; child = nodes_[child].end) {
     const std::uint32_t index = nodes_[child].index;
-    const std::u16string& name = directory_.FullAt(index).name;
     if (pattern.index && *pattern.index != index) continue;
-    if (name == pattern.name || (ignoreCase && EqualIgnoringCase(name, pattern.name))) return child;
+    if (isName(directory_.FullAt(index).name, pattern.name)) return child;
   }
   return std::nullopt;
 }
@@ -133,12 +139,13 @@ Lookup Tree::Find(const EntryPath& path) const {
   std::size_t position = 0;
   bool isExact = true;  // else a storage on the way differs in letter case
   for (const NamePattern& component : path) {
-    auto child = FindChild(position, component, false);
+    auto child = FindChild(position, component, IsStored);
     if (!child) {
-      child = FindChild(position, component, true);
-      if (!child) return {};
-      isExact = isExact && directory_.At(nodes_[*child].index).isStream();
+      child = FindChild(position, component, EqualIgnoringCase);
+      isExact = isExact && (!child || directory_.At(nodes_[*child].index).isStream());
     }
+    if (!child) child = FindChild(position, component, IsDecoded);
+    if (!child) return {};
     position = *child;
   }
   if (!isExact) return {.position = {}, .suggestion = PathOf(position)};

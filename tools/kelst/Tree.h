@@ -56,7 +56,8 @@ class Tree {
   [[nodiscard]] std::string PathOf(std::size_t position) const;
 
   /// Finds an entry. Of several that fit, an exact match comes before a stream whose name differs
-  /// in letter case only, and a lower directory index before a higher one.
+  /// in letter case only, that before an entry whose packed name means the one asked for, and a
+  /// lower directory index before a higher one.
   [[nodiscard]] Lookup Find(const EntryPath& path) const;
 
  private:
@@ -67,8 +68,9 @@ class Tree {
   void SumUp();
   void AddProblem(std::size_t position, const std::string& text);
   [[nodiscard]] bool IsAncestor(std::uint32_t index, std::size_t position) const;
+  using IsName = bool (*)(std::u16string_view name, std::u16string_view wanted);
   [[nodiscard]] std::optional<std::size_t> FindChild(std::size_t parent, const NamePattern& pattern,
-                                                     bool ignoreCase) const;
+                                                     IsName isName) const;
 
   const FullDirectory& directory_;
   std::vector<TreeNode> nodes_;
