@@ -6,9 +6,12 @@
 #include <string>
 
 #include "tools/kelst/EntryName.h"
+#include "tools/kelst/Glob.h"
+#include "tools/kelst/InstallerName.h"
 
 // The written forms of names: what is written is read back as the same name, from JSON too, is one
-// component of a path and valid UTF-8; and any text can be parsed as a path.
+// component of a path and valid UTF-8; any name can be decoded, and any text parsed as a path or a
+// glob; and a name without wildcards matches itself.
 
 namespace {
 
@@ -32,8 +35,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                           file.find('/') == std::string::npos &&
                           file.find('\0') == std::string::npos;
   if (!isHarmless) std::abort();
+  const auto decoded = kelst::DecodedInstallerName(name);
+  if (decoded && (decoded->empty() || decoded->size() > 2 * name.size())) std::abort();
   const std::string text(reinterpret_cast<const char*>(data), size);
   kelst::ParseEntryPath(text);
   ExpectJsonRoundTrip(kelst::Printable(text));
+  const auto glob = kelst::Glob::Parse(text);
+  if (glob) static_cast<void>(glob->Matches(written));
+  const bool isPlain = written.find_first_of("*?[") == std::string::npos;
+  if (isPlain && !kelst::Glob::Parse(written)->Matches(written)) std::abort();
   return 0;
 }

@@ -72,6 +72,7 @@ TEST(ExitCodeTest, TheHighestOfAllFilesCounts) {
       {{"cat", "/missing", "x"}, 3},
       {{"hexdump", good, "/"}, 1},
       {{"hexdump", "/missing", "x"}, 3},
+      {{"find", "/missing", good, "--name", "workbook"}, 3},
       {{"extract", "/missing"}, 3},
       {{"extract", good, "-C", "/missing/folder"}, 1},
   };
@@ -98,6 +99,7 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
                                                     {"cat", "x"},
                                                     {"ls", "--sort", "time", "x"},
                                                     {"cat", "x", "y", "z"},
+                                                    {"find", "x"},
                                                     {"hexdump", "x", "y", "--offset", "-1"},
                                                     {"hexdump", "x", "y", "--offset", "0x"},
                                                     {"hexdump", "x", "y", "--length", "1k"},
@@ -114,7 +116,7 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
 TEST(HelpTest, EveryCommandHasHelpAndAVersion) {
   EXPECT_EQ(RunKelst({"--version"}).out, "kelst " KELX_VERSION "\n");
   EXPECT_THAT(RunKelst({"--help"}).out, HasSubstr("Exit codes:"));
-  for (const std::string command : {"info", "ls", "cat", "hexdump", "extract", "props"}) {
+  for (const std::string command : {"info", "ls", "find", "cat", "hexdump", "extract", "props"}) {
     EXPECT_EQ(RunKelst({command, "--version"}).out, "kelst " KELX_VERSION "\n");
     const RunResult help = RunKelst({command, "--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -129,6 +131,7 @@ TEST(StandardOutputTest, AFullDiskIsReportedAndAClosedPipeIsNot) {
                                                     {"extract", "-f", "-C", target.Path(), sample},
                                                     {"props", sample},
                                                     {"hexdump", sample, "Data"},
+                                                    {"find", sample, "--name", "*"},
                                                     {"ls", sample},
                                                     {"ls", "--json", sample},
                                                     {"info", sample},

@@ -49,6 +49,7 @@ TEST(InstallerNameTest, OfEachUnitThatIsPackedTheCharactersAreShown) {
     EXPECT_EQ(entry.value("decodedName", ""), decoded) << entry;
     const std::string path = decoded.empty() ? entry["path"].get<std::string>() : decoded;
     EXPECT_EQ(RunKelst({"cat", file.Path(), path}).out.size(), i) << path;
+    EXPECT_EQ(RunKelst({"find", file.Path(), "--name", path}).exitCode, 0) << path;
   }
 }
 

@@ -12,6 +12,7 @@ void AddInfo(CLI::App& app, Report& report);
 void AddLs(CLI::App& app, Report& report);
 void AddCat(CLI::App& app, Report& report);
 void AddProps(CLI::App& app, Report& report);
+void AddFind(CLI::App& app, Report& report);
 void AddHexdump(CLI::App& app, Report& report);
 void AddExtract(CLI::App& app, Report& report);
 

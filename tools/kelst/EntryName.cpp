@@ -119,12 +119,6 @@ std::optional<NamePattern> ParseComponent(std::u16string_view text) {
   return pattern;
 }
 
-bool EqualIgnoringCase(char32_t a, char32_t b) {
-  if (a == b) return true;
-  if (IsSurrogate(a) || IsSurrogate(b)) return false;
-  return KELXString(static_cast<wchar_t>(a)).compareToIgnoreCase(static_cast<wchar_t>(b)) == 0;
-}
-
 }  // namespace
 
 std::string WrittenName(std::u16string_view name) { return Escape(name, kWrittenEscape); }
@@ -176,9 +170,15 @@ std::optional<EntryPath> ParseEntryPath(std::string_view text) {
   return path;
 }
 
+int CompareIgnoringCase(char32_t a, char32_t b) {
+  if (a == b) return 0;
+  if (IsSurrogate(a) || IsSurrogate(b)) return a < b ? -1 : 1;
+  return KELXString(static_cast<wchar_t>(a)).compareToIgnoreCase(static_cast<wchar_t>(b));
+}
+
 bool EqualIgnoringCase(std::u16string_view a, std::u16string_view b) {
   while (!a.empty() && !b.empty()) {
-    if (!EqualIgnoringCase(TakeCodePoint(a), TakeCodePoint(b))) return false;
+    if (CompareIgnoringCase(TakeCodePoint(a), TakeCodePoint(b)) != 0) return false;
   }
   return a.empty() && b.empty();
 }

@@ -54,6 +54,9 @@ using EntryPath = std::vector<NamePattern>;
 /// Nothing when `text` is not valid UTF-8 or holds a backslash that begins no escape.
 std::optional<EntryPath> ParseEntryPath(std::string_view text);
 
+/// Negative, zero or positive as `a` sorts before, with or after `b` when letter case is ignored.
+int CompareIgnoringCase(char32_t a, char32_t b);
+
 /// Whether the names are equal when letter case is ignored.
 bool EqualIgnoringCase(std::u16string_view a, std::u16string_view b);
 

@@ -35,6 +35,7 @@ void SetUp(CLI::App& app) {
 void AddCommands(CLI::App& app, Report& report) {
   AddInfo(app, report);
   AddLs(app, report);
+  AddFind(app, report);
   AddCat(app, report);
   AddHexdump(app, report);
   AddExtract(app, report);
