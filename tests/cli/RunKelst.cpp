@@ -6,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -33,8 +34,28 @@ int OpenClosedPipe() {
   return ends[1];
 }
 
-int OpenOutput(StandardOutput output, const std::string& path) {
+/// One end for the process; `master` is the other one.
+int OpenTerminal(int& master) {
+  master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) return -1;
+  return open(ptsname(master), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+}
+
+/// What was written to a terminal until its last writer had gone.
+std::string ReadTerminal(int master) {
+  std::string text;
+  std::array<char, 4096> piece{};
+  for (ssize_t length = 0; (length = read(master, piece.data(), piece.size())) > 0;) {
+    text.append(piece.data(), static_cast<std::size_t>(length));
+  }
+  close(master);
+  return text;
+}
+
+int OpenOutput(StandardOutput output, const std::string& path, int& master) {
   switch (output) {
+    case StandardOutput::kTerminal:
+      return OpenTerminal(master);
     case StandardOutput::kFullDevice:
       return OpenForWriting("/dev/full");
     case StandardOutput::kClosedPipe:
@@ -77,11 +98,13 @@ pid_t Start(const std::vector<std::string>& arguments, int out, int err,
 RunResult RunKelst(const std::vector<std::string>& arguments, StandardOutput output,
                    const std::string& folder) {
   const TemporaryFolder results;
-  const int exitCode = WaitFor(Start(arguments, OpenOutput(output, results.PathOf("out")),
-                                     OpenForWriting(results.PathOf("err")), folder));
-  const bool hasOutput = output == StandardOutput::kFile;
-  return {exitCode, hasOutput ? ReadFile(results.PathOf("out")) : "",
-          ReadFile(results.PathOf("err"))};
+  int master = -1;
+  const int out = OpenOutput(output, results.PathOf("out"), master);
+  const pid_t process = Start(arguments, out, OpenForWriting(results.PathOf("err")), folder);
+  std::string shown = master >= 0 ? ReadTerminal(master) : "";
+  const int exitCode = WaitFor(process);
+  if (output == StandardOutput::kFile) shown = ReadFile(results.PathOf("out"));
+  return {exitCode, shown, ReadFile(results.PathOf("err"))};
 }
 
 RunResult RunKelstMeanwhile(const std::vector<std::string>& arguments,

@@ -13,7 +13,7 @@ struct RunResult {
 };
 
 /// What a process writes its standard output to.
-enum class StandardOutput { kFile, kFullDevice, kClosedPipe };
+enum class StandardOutput { kFile, kFullDevice, kClosedPipe, kTerminal };
 
 /// Runs the built tool to its end. `folder` is the current one of the process; empty for this
 /// one's.

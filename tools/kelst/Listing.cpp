@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/kelst/Colour.h"
 #include "tools/kelst/EntryName.h"
 #include "tools/kelst/InstallerName.h"
+#include "tools/kelst/PropertySets.h"
 #include "tools/kelst/ValueText.h"
 
 namespace kelst {
@@ -68,12 +70,15 @@ class Branches {
   std::vector<std::size_t> lastChild_;  // of each entry from start_ on
 };
 
-/// The name or path of an entry as people see it, with what a packed name means.
-std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text) {
+/// The name or path of an entry as people see it: coloured, and with what a packed name means.
+std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text,
+                  const Painter& painter) {
   const std::uint32_t index = file.Entries().Nodes()[position].index;
   const std::u16string& name = file.Directory().FullAt(index).name;
   const auto decoded = DecodedInstallerName(name);
   const std::string meaning = decoded ? " (" + WrittenName(*decoded) + ')' : "";
+  if (file.Directory().At(index).isStorage()) return painter.Paint(text, Colour::kBlue) + meaning;
+  if (IsPropertyStream(file, index)) return painter.Paint(text, Colour::kCyan) + meaning;
   return text + meaning;
 }
 
@@ -117,6 +122,7 @@ void PrintTree(const CompoundFile& file, Positions order, Output& out) {
   const std::string total = Grouped(nodes[order.front()].bytes);
   const std::size_t sizeWidth = std::max<std::size_t>(total.size(), 8);
   const std::size_t kindWidth = 7;
+  const Painter painter;
   Branches branches(nodes, order);
   out.Write(file.Name() + '\n');
   for (const std::size_t position : order) {
@@ -127,7 +133,7 @@ void PrintTree(const CompoundFile& file, Positions order, Output& out) {
                                                        : file.Entries().NameOf(position);
     out.Write(PaddedLeft(Grouped(nodes[position].bytes), sizeWidth) + "  " +
               PaddedRight(KindText(entry), kindWidth) + "  " + branches.Of(position) +
-              Shown(file, position, name + (entry.isStorage() ? "/" : "")) + '\n');
+              Shown(file, position, name + (entry.isStorage() ? "/" : ""), painter) + '\n');
   }
   const Counts counts = CountBelow(file, order);
   out.Write(PaddedLeft(total, sizeWidth) + "  bytes in " + WithUnit(counts.streams, "stream") +
@@ -146,13 +152,14 @@ void PrintPaths(const CompoundFile& file, Positions order, Output& out) {
 
 void PrintTable(const CompoundFile& file, Positions order, Output& out) {
   const Row titles{"index", "kind", "size", "start", "created", "modified", "class id"};
+  const Painter painter;
   Widths widths{};
   Widen(widths, titles);
   for (const std::size_t position : order) Widen(widths, RowOf(file, position));
   PrintRow(titles, widths, "path", out);
   for (const std::size_t position : order) {
     if (!out.IsGood()) return;
-    const std::string path = Shown(file, position, file.Entries().PathOf(position));
+    const std::string path = Shown(file, position, file.Entries().PathOf(position), painter);
     PrintRow(RowOf(file, position), widths, path, out);
   }
 }

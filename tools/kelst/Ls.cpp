@@ -23,7 +23,8 @@ constexpr const char* kLsHelp =
     "default: the order of the directory. A storage always comes right before what it holds, and\n"
     "counts with all of that.\n"
     "\n"
-    "Behind a name that an installer database has packed stands in brackets what it means.\n";
+    "Behind a name that an installer database has packed stands in brackets what it means. On a\n"
+    "terminal storages and property sets are coloured, unless NO_COLOR has a value.\n";
 
 struct LsOptions {
   std::vector<std::string> arguments;

@@ -50,12 +50,12 @@ PropertySet Describe(KELIPropertyStorage& set, const std::string& stream) {
   return result;
 }
 
+}  // namespace
+
 bool IsPropertyStream(const CompoundFile& file, std::uint32_t index) {
   return file.Directory().At(index).isStream() &&
          file.Directory().FullAt(index).name.starts_with(kPropertyStreamMark);
 }
-
-}  // namespace
 
 std::vector<PropertySet> PropertySetsOf(CompoundFile& file, std::size_t position, Report& report) {
   std::vector<PropertySet> sets;

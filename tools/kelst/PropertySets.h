@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ struct PropertySet {
   unsigned int codePage;
   std::vector<Section> sections;  ///< one or two
 };
+
+/// Whether the entry with this directory index is named as property sets are.
+bool IsPropertyStream(const CompoundFile& file, std::uint32_t index);
 
 /// The property sets in the storage at `position` of the tree, in directory order. A stream that is
 /// named as a property set but is none, or is damaged, is reported.
