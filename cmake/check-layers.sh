@@ -18,8 +18,8 @@ check 'base/' base/*
 check '(base|compound)/' compound/*
 check '(base|property)/' property/*.h
 check '(base|compound|property|storage)/' property/*.cpp storage/*
-check 'KELXStStorage\.h"|(base|compound|property|storage)/KEL|tools/kelst/' \
-  tools/kelst/* examples/*.cpp
+check 'KELXStStorage\.h"|(base|compound|property|storage)/KEL|tools/' \
+  tools/*/* examples/*.cpp
 check '(base|compound|property|storage)/KEL' KELXStStorage.h {base,compound,property,storage}/KEL*.h
 
 ((failed == 0)) || echo "these includes point to a higher layer or an internal header" >&2

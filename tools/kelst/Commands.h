@@ -15,5 +15,6 @@ void AddProps(CLI::App& app, Report& report);
 void AddFind(CLI::App& app, Report& report);
 void AddHexdump(CLI::App& app, Report& report);
 void AddExtract(CLI::App& app, Report& report);
+void AddCheck(CLI::App& app, Report& report);
 
 }  // namespace kelst

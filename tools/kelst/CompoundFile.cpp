@@ -1,7 +1,5 @@
 #include "tools/kelst/CompoundFile.h"
 
-#include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "tools/kelst/EntryName.h"
@@ -11,27 +9,13 @@
 
 namespace kelst {
 
-namespace {
-
-std::string SystemMessage() { return std::generic_category().message(errno); }
-
-/// The empty string when `path`, which leads to `state`, is a file that can be read; else why not.
-std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state) {
-  if (!state) return SystemMessage();
-  if (S_ISDIR(state->Mode())) return "is a directory";
-  if (!S_ISREG(state->Mode())) return "is not a regular file";
-  return OpenForReading(KELXFilePath(path.c_str())) ? "" : SystemMessage();
-}
-
-}  // namespace
-
 CompoundFile::CompoundFile(const std::string& path, const FileState& state,
                            std::unique_ptr<KELIStorage> root)
     : path_(path),
       name_(Printable(path)),
       state_(state),
       root_(std::move(root)),
-      directory_(Image()),
+      directory_(Image(), OpenForReading(KELXFilePath(path.c_str())).get(), Image().getFatSector()),
       tree_(directory_) {
   const KELStStorageFileInfo& image = Image();
   ForEachSector(

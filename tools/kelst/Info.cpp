@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -79,13 +77,6 @@ void Line(Output& out, std::string_view label, const std::string& text) {
   if (text.empty()) return;
   const std::string padding(kLabelWidth - label.size(), ' ');
   out.Write("  " + std::string(label) + padding + text + '\n');
-}
-
-/// The library reads the versions as the host would, whatever order the file has.
-unsigned short InFileOrder(const KELStStorageHeader& header, unsigned short version) {
-  const auto bytes = std::bit_cast<std::array<unsigned char, sizeof(version)>>(version);
-  KELMakeValue(bytes.data(), &version, sizeof(version), IsHostByteOrder(header));
-  return version;
 }
 
 std::string MiniStreamText(const KELStStorageFileInfo& image) {

@@ -1,5 +1,9 @@
 #include "tools/kelst/Refusal.h"
 
+#include <cerrno>
+#include <system_error>
+
+#include "tools/kelst/OpenedFile.h"
 #include "tools/kelst/ValueText.h"
 
 namespace kelst {
@@ -9,11 +13,20 @@ namespace {
 constexpr std::uint64_t kShiftsEnd = 34;  // where the last of the tested shifts ends in the file
 constexpr unsigned int kDirectorySectorsEnd = 8;
 
+std::string SystemMessage() { return std::generic_category().message(errno); }
+
 std::string Expected(const std::string& what, unsigned int found, const std::string& expected) {
   return what + " is " + std::to_string(found) + " (" + expected + " expected)";
 }
 
 }  // namespace
+
+std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state) {
+  if (!state) return SystemMessage();
+  if (S_ISDIR(state->Mode())) return "is a directory";
+  if (!S_ISREG(state->Mode())) return "is not a regular file";
+  return OpenForReading(KELXFilePath(path.c_str())) ? "" : SystemMessage();
+}
 
 // The sector shift comes first: of a file that is something else altogether it tells most.
 std::string WhyRefused(const KELStStorageHeader& header, std::uint64_t size) {

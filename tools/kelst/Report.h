@@ -23,7 +23,7 @@ class Report {
   /// Prints "kelst: " and `message`, which is printable UTF-8, on standard error.
   void Fail(ExitCode code, std::string_view message);
 
-  /// Makes the process exit with `code` or a higher one, without a message.
+  /// Raises the exit code, for what standard output tells already.
   void Raise(ExitCode code);
 
   /// Finishes standard output; a failure there is reported, but for a reader that went away.

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdint>
 
 #include "KELXStStorage.h"
@@ -10,10 +12,20 @@ namespace kelst {
 /// Numbers from here on are marks: no sector and no directory entry has them.
 inline constexpr unsigned int kFirstMark = 0xFFFFFFFC;
 
+/// Stands in a table for what a missing sector would say. No file has a sector of this number.
+inline constexpr unsigned int kUnknownLink = 0xFFFFFFFB;
+
 /// Whether numbers in the file stand as the host has them, little-endian.
 inline bool IsHostByteOrder(const KELStStorageHeader& header) {
   constexpr unsigned short kHostMark = 0xFFFE;
   return header.byteOrder == kHostMark;
+}
+
+/// A version of the header. The library reads it as the host would, whatever order the file has.
+inline unsigned short InFileOrder(const KELStStorageHeader& header, unsigned short version) {
+  const auto bytes = std::bit_cast<std::array<unsigned char, sizeof(version)>>(version);
+  KELMakeValue(bytes.data(), &version, sizeof(version), IsHostByteOrder(header));
+  return version;
 }
 
 /// The sector that follows `sector` in its chain; the mark of the end where the table has none.
