@@ -21,11 +21,15 @@ void Require(bool isDone) {
   if (!isDone) ThrowError();
 }
 
-FileDescriptor OpenOrMakeAt(int parent, const std::string& name, int flags) {
-  Require(mkdirat(parent, name.c_str(), kFolderMode) == 0 || errno == EEXIST);
+FileDescriptor OpenAt(int parent, const std::string& name, int flags) {
   FileDescriptor folder(openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags));
   Require(static_cast<bool>(folder));
   return folder;
+}
+
+FileDescriptor OpenOrMakeAt(int parent, const std::string& name, int flags) {
+  Require(mkdirat(parent, name.c_str(), kFolderMode) == 0 || errno == EEXIST);
+  return OpenAt(parent, name, flags);
 }
 
 bool RenameUnlessTaken(int folder, const char* from, const char* to) {
@@ -37,6 +41,8 @@ bool RenameUnlessTaken(int folder, const char* from, const char* to) {
 }
 
 }  // namespace
+
+Folder Folder::Open(const std::string& path) { return Folder(OpenAt(AT_FDCWD, path, 0)); }
 
 Folder Folder::OpenOrMake(const std::string& path) {
   return Folder(OpenOrMakeAt(AT_FDCWD, path, 0));

@@ -14,7 +14,10 @@ namespace kelst {
 /// followed. Failures are thrown as std::system_error with the system's code.
 class Folder {
  public:
-  /// Opens the folder at `path`, here following links, and makes it first where it is missing.
+  /// Opens the folder at `path`, here following links.
+  static Folder Open(const std::string& path);
+
+  /// The same, but makes it first where it is missing.
   static Folder OpenOrMake(const std::string& path);
 
   /// The same for a folder in this one.

@@ -39,37 +39,6 @@ Counts CountBelow(const CompoundFile& file, Positions order) {
   return counts;
 }
 
-/// The lines that lead from the storages above to each entry.
-class Branches {
- public:
-  Branches(std::span<const TreeNode> nodes, Positions order)
-      : nodes_(nodes), start_(order.front()), lastChild_(nodes[start_].end - start_) {
-    for (const std::size_t position : order.subspan(1)) LastChild(position) = position;
-  }
-
-  std::string Of(std::size_t position) {
-    if (position == start_) return "";
-    std::vector<std::string_view> parts{IsLast(position) ? "└── " : "├── "};
-    for (std::size_t at = nodes_[position].parent; at != start_; at = nodes_[at].parent) {
-      parts.emplace_back(IsLast(at) ? "    " : "│   ");
-    }
-    std::string branches;
-    std::for_each(parts.rbegin(), parts.rend(), [&](std::string_view part) { branches += part; });
-    return branches;
-  }
-
- private:
-  /// The last one that is listed of the siblings of an entry.
-  std::size_t& LastChild(std::size_t position) {
-    return lastChild_[nodes_[position].parent - start_];
-  }
-  bool IsLast(std::size_t position) { return LastChild(position) == position; }
-
-  std::span<const TreeNode> nodes_;
-  std::size_t start_;
-  std::vector<std::size_t> lastChild_;  // of each entry from start_ on
-};
-
 /// The name or path of an entry as people see it: coloured, and with what a packed name means.
 std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text,
                   const Painter& painter) {
@@ -116,6 +85,22 @@ void PrintRow(const Row& row, const Widths& widths, const std::string& path, Out
 }
 
 }  // namespace
+
+Branches::Branches(std::span<const TreeNode> nodes, Positions order)
+    : nodes_(nodes), start_(order.front()), lastChild_(nodes[start_].end - start_) {
+  for (const std::size_t position : order.subspan(1)) LastChild(position) = position;
+}
+
+std::string Branches::Of(std::size_t position) {
+  if (position == start_) return "";
+  std::vector<std::string_view> parts{IsLast(position) ? "└── " : "├── "};
+  for (std::size_t at = nodes_[position].parent; at != start_; at = nodes_[at].parent) {
+    parts.emplace_back(IsLast(at) ? "    " : "│   ");
+  }
+  std::string branches;
+  std::for_each(parts.rbegin(), parts.rend(), [&](std::string_view part) { branches += part; });
+  return branches;
+}
 
 void PrintTree(const CompoundFile& file, Positions order, Output& out) {
   const auto nodes = file.Entries().Nodes();

@@ -57,27 +57,33 @@ bool IsPropertyStream(const CompoundFile& file, std::uint32_t index) {
          file.Directory().FullAt(index).name.starts_with(kPropertyStreamMark);
 }
 
+std::optional<PropertySet> ReadPropertySet(CompoundFile& file, std::size_t position,
+                                           std::vector<std::string>& problems) {
+  StreamContent content(file, file.Entries().Nodes()[position].index);
+  std::vector<unsigned char> bytes;
+  for (auto piece = content.Next(); !piece.empty(); piece = content.Next()) {
+    bytes.insert(bytes.end(), piece.begin(), piece.end());
+  }
+  if (!content.Problem().empty()) problems.push_back(content.Problem());
+  const KELIPropertyStorageHandle set(new KELIPropertyStorage);
+  if (set->InitializeFromBuffer(bytes.data(), static_cast<int>(bytes.size()))) {
+    return Describe(*set.operator->(), file.Entries().PathOf(position));
+  }
+  problems.emplace_back("is not a property set");
+  return std::nullopt;
+}
+
 std::vector<PropertySet> PropertySetsOf(CompoundFile& file, std::size_t position, Report& report) {
   std::vector<PropertySet> sets;
   const auto nodes = file.Entries().Nodes();
   for (std::size_t child = position + 1; child < nodes[position].end; child = nodes[child].end) {
-    if (!IsPropertyStream(file, nodes[child].index)) continue;
-    const std::string path = file.Entries().PathOf(child);
-    const std::string where = file.Name() + ": " + path + ": ";
-    const auto fail = [&](const std::string& problem) {
-      report.Fail(ExitCode::kFailed, where + problem);
-    };
-    StreamContent content(file, nodes[child].index);
-    std::vector<unsigned char> bytes;
-    for (auto piece = content.Next(); !piece.empty(); piece = content.Next()) {
-      bytes.insert(bytes.end(), piece.begin(), piece.end());
-    }
-    if (!content.Problem().empty()) fail(content.Problem());
-    const KELIPropertyStorageHandle set(new KELIPropertyStorage);
-    if (set->InitializeFromBuffer(bytes.data(), static_cast<int>(bytes.size()))) {
-      sets.push_back(Describe(*set.operator->(), path));
-    } else {
-      fail("is not a property set");
+    if (!IsPropertySet(file, child)) continue;
+    std::vector<std::string> problems;
+    std::optional<PropertySet> set = ReadPropertySet(file, child, problems);
+    if (set) sets.push_back(*std::move(set));
+    for (const std::string& problem : problems) {
+      report.Fail(ExitCode::kFailed,
+                  file.Name() + ": " + file.Entries().PathOf(child) + ": " + problem);
     }
   }
   return sets;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,11 @@ struct PropertySet {
 
 /// Whether the entry with this directory index is named as property sets are.
 bool IsPropertyStream(const CompoundFile& file, std::uint32_t index);
+
+/// The property set in the stream at `position`; nothing when there is none that can be read. What
+/// is wrong with the stream is added to `problems`.
+std::optional<PropertySet> ReadPropertySet(CompoundFile& file, std::size_t position,
+                                           std::vector<std::string>& problems);
 
 /// The property sets in the storage at `position` of the tree, in directory order. A stream that is
 /// named as a property set but is none, or is damaged, is reported.
