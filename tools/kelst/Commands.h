@@ -16,5 +16,6 @@ void AddFind(CLI::App& app, Report& report);
 void AddHexdump(CLI::App& app, Report& report);
 void AddExtract(CLI::App& app, Report& report);
 void AddCheck(CLI::App& app, Report& report);
+void AddMap(CLI::App& app, Report& report);
 
 }  // namespace kelst

@@ -41,6 +41,7 @@ void AddCommands(CLI::App& app, Report& report) {
   AddExtract(app, report);
   AddProps(app, report);
   AddCheck(app, report);
+  AddMap(app, report);
   app.footer("'kelst COMMAND --help' tells more about a command.\n");
   app.require_subcommand(1);
   SetUp(app);
