@@ -17,5 +17,6 @@ void AddHexdump(CLI::App& app, Report& report);
 void AddExtract(CLI::App& app, Report& report);
 void AddCheck(CLI::App& app, Report& report);
 void AddMap(CLI::App& app, Report& report);
+void AddReport(CLI::App& app, Report& report);
 
 }  // namespace kelst

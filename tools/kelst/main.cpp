@@ -42,6 +42,7 @@ void AddCommands(CLI::App& app, Report& report) {
   AddProps(app, report);
   AddCheck(app, report);
   AddMap(app, report);
+  AddReport(app, report);
   app.footer("'kelst COMMAND --help' tells more about a command.\n");
   app.require_subcommand(1);
   SetUp(app);

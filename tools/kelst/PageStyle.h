@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kelst {
+
+/// The whole style sheet of a page, that of the map included.
+std::string PageStyle();
+
+/// The SHA-256 of PageStyle() in Base64. A browser applies the style sheet with this hash and no
+/// other; a test tells the right one after a change.
+inline constexpr std::string_view kPageStyleHash = "TOtlSjdOn0rYurpZg4Aym1sXZb39J4PgJpzgW5v4CZU=";
+
+}  // namespace kelst
