@@ -137,6 +137,7 @@ distcheck: dist ## build the archive of `dist` and run its tests of the tool and
 	  ctest --preset release -j$(JOBS) -L '^(cli|package)$$')
 
 check: ## all that must hold before a change is merged
+	@scripts/install-packages browser
 	@$(MAKE) --no-print-directory test WERROR=ON TESTS='-C thorough'
 	@$(MAKE) --no-print-directory asan tsan lint format-check docs package
 	@$(MAKE) --no-print-directory fuzz SECONDS=10

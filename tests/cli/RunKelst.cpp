@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "tests/support/TemporaryFile.h"
 
@@ -71,11 +72,15 @@ int WaitFor(pid_t process) {
   return WEXITSTATUS(status);
 }
 
-/// Starts the tool with the descriptors as its standard output and error, and closes them here.
-pid_t Start(const std::vector<std::string>& arguments, int out, int err,
-            const std::string& folder = "") {
+/// The command line that runs the built tool.
+std::vector<std::string> KelstWith(const std::vector<std::string>& arguments) {
   std::vector<std::string> words{KELX_KELST_PATH};
   words.insert(words.end(), arguments.begin(), arguments.end());
+  return words;
+}
+
+/// Starts a program with the descriptors as its standard output and error, and closes them here.
+pid_t Start(std::vector<std::string> words, int out, int err, const std::string& folder = "") {
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
@@ -84,7 +89,7 @@ pid_t Start(const std::vector<std::string>& arguments, int out, int err,
     std::signal(SIGPIPE, SIG_DFL);
     const bool isReady = (folder.empty() || chdir(folder.c_str()) == 0) &&
                          dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0;
-    if (isReady) execv(pointers[0], pointers.data());
+    if (isReady) execvp(pointers[0], pointers.data());
     _exit(127);
   }
   close(out);
@@ -97,10 +102,15 @@ pid_t Start(const std::vector<std::string>& arguments, int out, int err,
 
 RunResult RunKelst(const std::vector<std::string>& arguments, StandardOutput output,
                    const std::string& folder) {
+  return RunProgram(KelstWith(arguments), output, folder);
+}
+
+RunResult RunProgram(std::vector<std::string> words, StandardOutput output,
+                     const std::string& folder) {
   const TemporaryFolder results;
   int master = -1;
   const int out = OpenOutput(output, results.PathOf("out"), master);
-  const pid_t process = Start(arguments, out, OpenForWriting(results.PathOf("err")), folder);
+  const pid_t process = Start(std::move(words), out, OpenForWriting(results.PathOf("err")), folder);
   std::string shown = master >= 0 ? ReadTerminal(master) : "";
   const int exitCode = WaitFor(process);
   if (output == StandardOutput::kFile) shown = ReadFile(results.PathOf("out"));
@@ -111,7 +121,7 @@ RunResult RunKelstMeanwhile(const std::vector<std::string>& arguments,
                             const std::function<void()>& meanwhile) {
   const TemporaryFolder results;
   const auto ends = OpenPipe();
-  const pid_t process = Start(arguments, ends[1], OpenForWriting(results.PathOf("err")));
+  const pid_t process = Start(KelstWith(arguments), ends[1], OpenForWriting(results.PathOf("err")));
   std::string out;
   std::array<char, 4096> piece{};
   for (ssize_t length = read(ends[0], piece.data(), 1); length > 0;

@@ -20,6 +20,11 @@ enum class StandardOutput { kFile, kFullDevice, kClosedPipe, kTerminal };
 RunResult RunKelst(const std::vector<std::string>& arguments,
                    StandardOutput output = StandardOutput::kFile, const std::string& folder = "");
 
+/// The same for another program, looked for where the shell would; the exit code is 127 when there
+/// is none of this name.
+RunResult RunProgram(std::vector<std::string> words, StandardOutput output = StandardOutput::kFile,
+                     const std::string& folder = "");
+
 /// The same with standard output to a pipe: `meanwhile` is called once the first byte has come,
 /// when the process cannot have written more than a pipe holds.
 RunResult RunKelstMeanwhile(const std::vector<std::string>& arguments,

@@ -95,8 +95,7 @@ class Page {
     html_ +=
         OpeningTag("table", className) + "\n" + Element("caption", "", caption) + "\n<thead><tr>";
     for (const CellText& title : titles) {
-      html_ += "<th scope=\"col\" class=\"" + std::string(title.className) + "\">" +
-               Escaped(title.text) + "</th>";
+      html_ += OpeningTag("th scope=\"col\"", title.className) + Escaped(title.text) + "</th>";
     }
     html_ += "</tr></thead>\n<tbody>\n";
   }
