@@ -132,7 +132,7 @@ class Page {
     html_ += "<h3>" + Element("span", NameOf(facts.severity), NameOf(facts.severity)) + " " +
              Escaped(facts.name) + "</h3>\n";
     BeginTable("findings", Grouped(group.count) + " found",
-               {{"", "Entry"}, {"", "Place"}, {"", "What is wrong"}});
+               {{"", "Entry"}, {"", "Place"}, {"", "What was found"}});
     for (const Finding& finding : group.kept) {
       const std::string entry =
           finding.place.entry ? inspected_.Paths().Of(*finding.place.entry) : "";

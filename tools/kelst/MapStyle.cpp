@@ -38,7 +38,7 @@ std::string_view MapStyle() {
 .map .s7{fill:#dd9c7c}
 .map .s8{fill:#bfd662}
 .map .s9{fill:#a5b3c4}
-@media (prefers-color-scheme:dark){
+@media screen and (prefers-color-scheme:dark){
 .map text{fill:#e4e8ee}
 .map .dim{fill:#9aa5b3}
 .map .back{fill:#14171c}
