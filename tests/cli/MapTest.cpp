@@ -154,6 +154,11 @@ TEST(MapTest, WritesNamesOfAnyKindAsTextOfBoundedLength) {
   EXPECT_EQ(result.exitCode, 0) << result.err;
 }
 
+TEST(MapTest, TheOneInTheReadmeIsOfThisDay) {
+  EXPECT_TRUE(Drawn(SampleFile("nested.cfb")) == ReadFile(SampleFile("../../docs/map.svg")))
+      << "run: kelst map tests/data/nested.cfb -o docs/map.svg";
+}
+
 class MapOutputTest : public testing::Test {
  protected:
   MapOutputTest() : input_(folder_.Write("in.doc", Control().bytes)) {}

@@ -23,7 +23,7 @@ namespace {
 constexpr std::uint64_t kMostFindings = 10;  // of each kind
 constexpr std::size_t kMostTreeRows = 2000;
 constexpr std::size_t kMostPropertyRows = 1000;
-constexpr std::uint64_t kMostPropertyBytes = std::uint64_t{32} * 1024 * 1024;  // of all streams
+constexpr std::uint64_t kMostPropertyBytes = std::uint64_t{16} * 1024 * 1024;  // of all streams
 constexpr std::size_t kNameColumns = 120;
 constexpr std::size_t kValueColumns = 500;
 
@@ -155,17 +155,17 @@ class Page {
     html_ += Heading("properties", "Property sets");
     std::uint64_t left = 0;
     std::uint64_t shown = 0;
-    std::uint64_t bytes = 0;
+    std::uint64_t bytesLeft = kMostPropertyBytes;
     const auto nodes = file_.Entries().Nodes();
     for (std::size_t position = 0; position < nodes.size(); ++position) {
       if (!IsPropertySet(file_, position)) continue;
-      bytes += nodes[position].bytes;
-      if (bytes > kMostPropertyBytes || propertyRows_ >= kMostPropertyRows) {
+      if (nodes[position].bytes > bytesLeft || propertyRows_ >= kMostPropertyRows) {
         ++left;
-      } else {
-        ++shown;
-        WritePropertySet(position);
+        continue;
       }
+      ++shown;
+      bytesLeft -= nodes[position].bytes;
+      WritePropertySet(position);
     }
     if (shown + left == 0) html_ += "<p>The file has none.</p>\n";
     AddRest(left, "property set", "props --all");
