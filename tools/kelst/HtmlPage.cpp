@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -158,7 +159,7 @@ class Page {
     std::uint64_t bytesLeft = kMostPropertyBytes;
     const auto nodes = file_.Entries().Nodes();
     for (std::size_t position = 0; position < nodes.size(); ++position) {
-      if (!IsPropertySet(file_, position)) continue;
+      if (!IsPropertyStream(file_, nodes[position].index)) continue;
       if (nodes[position].bytes > bytesLeft || propertyRows_ >= kMostPropertyRows) {
         ++left;
         continue;
@@ -211,7 +212,12 @@ class Page {
     BeginTable("tree", Grouped(nodes[0].bytes) + " bytes in all streams",
                {{"", "Name"}, {"", "Kind"}, {"number", "Bytes"}});
     const std::size_t end = std::min(nodes.size(), kMostTreeRows + 1);
-    for (std::size_t position = 1; position < end; ++position) WriteTreeRow(position);
+    std::vector<std::size_t> order(nodes.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    Branches branches(nodes, order);
+    for (std::size_t position = 1; position < end; ++position) {
+      WriteTreeRow(position, branches.Of(position));
+    }
     EndTable();
     AddRest(nodes.size() - end, "row", "ls");
     for (const std::string& problem : file_.Entries().Problems()) {
@@ -219,13 +225,14 @@ class Page {
     }
   }
 
-  void WriteTreeRow(std::size_t position) {
+  void WriteTreeRow(std::size_t position, const std::string& branches) {
     const auto nodes = file_.Entries().Nodes();
     const KELStStorageDirEntry& entry = file_.Directory().At(nodes[position].index);
-    html_ += "<tr><td class=\"name\"><span class=\"branch\" aria-hidden=\"true\">" +
-             Branches(nodes, 0, position) + "</span>" +
-             Escaped(file_.Entries().NameOf(position) + (entry.isStorage() ? "/" : "")) + "</td>" +
-             Element("td", "", KindText(entry)) +
+    html_ += "<tr><td class=\"name\"><span class=\"branch\" aria-hidden=\"true\">" + branches +
+             "</span>" +
+             Escaped(file_.Entries().NameOf(position) + (entry.isStorage() ? "/" : "") +
+                     Meaning(file_, position)) +
+             "</td>" + Element("td", "", KindText(entry)) +
              Element("td", "number", Grouped(nodes[position].bytes)) + "</tr>\n";
   }
 

@@ -28,6 +28,7 @@ void RunReport(const ReportOptions& options, Report& report) {
   if (!file) return;
   const std::string name = Printable(FileNameOf(options.file));
   WriteResult({options.output, options.file}, HtmlPage(*file, *inspected, name), report);
+  file->ReportChange(report);
 }
 
 }  // namespace

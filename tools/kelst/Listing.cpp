@@ -43,9 +43,7 @@ Counts CountBelow(const CompoundFile& file, Positions order) {
 std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text,
                   const Painter& painter) {
   const std::uint32_t index = file.Entries().Nodes()[position].index;
-  const std::u16string& name = file.Directory().FullAt(index).name;
-  const auto decoded = DecodedInstallerName(name);
-  const std::string meaning = decoded ? " (" + WrittenName(*decoded) + ')' : "";
+  const std::string meaning = Meaning(file, position);
   if (file.Directory().At(index).isStorage()) return painter.Paint(text, Colour::kBlue) + meaning;
   if (IsPropertyStream(file, index)) return painter.Paint(text, Colour::kCyan) + meaning;
   return text + meaning;
@@ -85,6 +83,12 @@ void PrintRow(const Row& row, const Widths& widths, const std::string& path, Out
 }
 
 }  // namespace
+
+std::string Meaning(const CompoundFile& file, std::size_t position) {
+  const std::uint32_t index = file.Entries().Nodes()[position].index;
+  const auto decoded = DecodedInstallerName(file.Directory().FullAt(index).name);
+  return decoded ? " (" + WrittenName(*decoded) + ')' : "";
+}
 
 Branches::Branches(std::span<const TreeNode> nodes, Positions order)
     : nodes_(nodes), start_(order.front()), lastChild_(nodes[start_].end - start_) {

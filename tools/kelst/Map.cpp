@@ -28,6 +28,7 @@ void RunMap(const MapOptions& options, Report& report) {
   if (!file) return;
   const std::string name = Printable(FileNameOf(options.file));
   WriteResult({options.output, options.file}, DrawMap(*file, name, MapUse::kOwnFile), report);
+  file->ReportChange(report);
 }
 
 }  // namespace

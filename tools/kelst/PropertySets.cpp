@@ -77,7 +77,7 @@ std::vector<PropertySet> PropertySetsOf(CompoundFile& file, std::size_t position
   std::vector<PropertySet> sets;
   const auto nodes = file.Entries().Nodes();
   for (std::size_t child = position + 1; child < nodes[position].end; child = nodes[child].end) {
-    if (!IsPropertySet(file, child)) continue;
+    if (!IsPropertyStream(file, nodes[child].index)) continue;
     std::vector<std::string> problems;
     std::optional<PropertySet> set = ReadPropertySet(file, child, problems);
     if (set) sets.push_back(*std::move(set));
