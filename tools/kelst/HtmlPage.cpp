@@ -9,6 +9,7 @@
 #include "tools/kelst/EntryName.h"
 #include "tools/kelst/Facts.h"
 #include "tools/kelst/FindingText.h"
+#include "tools/kelst/InstallerName.h"
 #include "tools/kelst/Listing.h"
 #include "tools/kelst/MapDrawing.h"
 #include "tools/kelst/Markup.h"
@@ -231,7 +232,7 @@ class Page {
     html_ += "<tr><td class=\"name\"><span class=\"branch\" aria-hidden=\"true\">" + branches +
              "</span>" +
              Escaped(file_.Entries().NameOf(position) + (entry.isStorage() ? "/" : "") +
-                     Meaning(file_, position)) +
+                     InstallerMeaning(file_.Directory().FullAt(nodes[position].index).name)) +
              "</td>" + Element("td", "", KindText(entry)) +
              Element("td", "number", Grouped(nodes[position].bytes)) + "</tr>\n";
   }

@@ -1,5 +1,7 @@
 #include "tools/kelst/InstallerName.h"
 
+#include "tools/kelst/EntryName.h"
+
 namespace kelst {
 
 namespace {
@@ -30,6 +32,11 @@ std::optional<std::u16string> DecodedInstallerName(std::u16string_view name) {
     hasPacked = true;
   }
   return hasPacked ? std::optional(decoded) : std::nullopt;
+}
+
+std::string InstallerMeaning(std::u16string_view name) {
+  const auto decoded = DecodedInstallerName(name);
+  return decoded ? " (" + WrittenName(*decoded) + ')' : "";
 }
 
 }  // namespace kelst

@@ -14,4 +14,7 @@ namespace kelst {
 /// streams, is left out.
 std::optional<std::u16string> DecodedInstallerName(std::u16string_view name);
 
+/// The same as people see it behind the stored name: " (Property)". Empty for other names.
+std::string InstallerMeaning(std::u16string_view name);
+
 }  // namespace kelst

@@ -43,7 +43,7 @@ Counts CountBelow(const CompoundFile& file, Positions order) {
 std::string Shown(const CompoundFile& file, std::size_t position, const std::string& text,
                   const Painter& painter) {
   const std::uint32_t index = file.Entries().Nodes()[position].index;
-  const std::string meaning = Meaning(file, position);
+  const std::string meaning = InstallerMeaning(file.Directory().FullAt(index).name);
   if (file.Directory().At(index).isStorage()) return painter.Paint(text, Colour::kBlue) + meaning;
   if (IsPropertyStream(file, index)) return painter.Paint(text, Colour::kCyan) + meaning;
   return text + meaning;
@@ -83,12 +83,6 @@ void PrintRow(const Row& row, const Widths& widths, const std::string& path, Out
 }
 
 }  // namespace
-
-std::string Meaning(const CompoundFile& file, std::size_t position) {
-  const std::uint32_t index = file.Entries().Nodes()[position].index;
-  const auto decoded = DecodedInstallerName(file.Directory().FullAt(index).name);
-  return decoded ? " (" + WrittenName(*decoded) + ')' : "";
-}
 
 Branches::Branches(std::span<const TreeNode> nodes, Positions order)
     : nodes_(nodes), start_(order.front()), lastChild_(nodes[start_].end - start_) {

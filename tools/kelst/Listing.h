@@ -14,10 +14,6 @@ namespace kelst {
 // below it in any order that puts a storage before what it holds.
 using Positions = std::span<const std::size_t>;
 
-/// What the packed name of an entry in an installer database means: " (Property)". Empty for other
-/// names.
-std::string Meaning(const CompoundFile& file, std::size_t position);
-
 /// The lines that lead from the storages above to each entry of a tree: "│   └── ".
 class Branches {
  public:

@@ -7,6 +7,7 @@
 
 #include "tools/analysis/SectorGrid.h"
 #include "tools/analysis/StreamLayouts.h"
+#include "tools/kelst/InstallerName.h"
 #include "tools/kelst/Markup.h"
 #include "tools/kelst/ValueText.h"
 
@@ -306,7 +307,10 @@ class Drawing {
     y_ += kLineHeight;
     AddSwatch(kMargin, stream.isMini ? LookOf(CellKind::kMiniStream).className
                                      : ClassOf({CellKind::kStream, stream.entry}));
-    AddText(kMargin + kSwatch + 8, "name", End(file_.Paths().Of(stream.entry), kNameColumns));
+    AddText(kMargin + kSwatch + 8, "name",
+            End(file_.Paths().Of(stream.entry) +
+                    InstallerMeaning(file_.Tables().Directory().FullAt(stream.entry).name),
+                kNameColumns));
     AddText(kSizeRight, "right", Grouped(stream.size));
     AddText(kSectorsRight, "right", Grouped(stream.sectors) + (stream.isMini ? " mini" : ""));
     AddText(kFragmentsRight, "right", Grouped(stream.fragments));
