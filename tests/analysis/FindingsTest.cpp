@@ -127,6 +127,12 @@ INSTANTIATE_TEST_SUITE_P(
                     {"difat-sector-unmarked"},
                     {.extraFatSectors = 110}},
         FindingCase{"SectorMarkedAsFat", Link(kOther, 9, kFatSector), {"sector-marked-wrong"}},
+        FindingCase{"HiddenInAnImpossibleChain",
+                    [](CompoundFile& file) {
+                      file.bytes.resize(file.bytes.size() + 512);
+                      LinkSector(file, file.layout.sectorCount, 0xFFFFFFFB);
+                    },
+                    {"sector-lost"}},
         FindingCase{"StrayEntry",
                     [](CompoundFile& file) { LinkSector(file, file.layout.sectorCount + 1, 0); },
                     {"fat-entry-stray"}},
@@ -171,6 +177,7 @@ INSTANTIATE_TEST_SUITE_P(
                     {"chain-short", "sector-lost"}},
         FindingCase{"Free", Link(kLarge, 136, kFreeSector), {"sector-free-but-used"}},
         FindingCase{"Long", Entry(kLarge, EntryField::kSize, 60'000), {"chain-long"}},
+        FindingCase{"MiniLong", Entry(kSmall, EntryField::kSize, 900), {"mini-chain-long"}},
         FindingCase{"Outside", Link(kLarge, 136, 5000), {"chain-outside"}},
         FindingCase{"Crossing",
                     [](CompoundFile& file) {

@@ -36,6 +36,12 @@ INSTANTIATE_TEST_SUITE_P(
         PropertyCase{"TwoSections",
                      Properties().Section(kUserDefinedId, 8).Add(1, CodePage(1200)).Build(),
                      {}},
+        PropertyCase{"CodePageOfTheFirstSection",
+                     Properties()
+                         .Section(kUserDefinedId)
+                         .Add(0, Dictionary({{2, std::string("A long name")}}))
+                         .Build(),
+                     {}},
         PropertyCase{
             "Version", PropertySetBuilder({.formatVersion = 1}).Build(), {"property-set-rejected"}},
         PropertyCase{"HeaderCut", Cut(PropertySetBuilder().Build(), 9), {"property-set-cut"}},

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/RunKelst.h"
@@ -82,6 +83,17 @@ TEST(CheckTest, AHundredThousandFindingsStayAFewLines) {
   EXPECT_THAT(result.out, HasSubstr("warning sector-lost, 100,000 found\n"));
   EXPECT_THAT(result.out, HasSubstr("\n  99,995 more; --all shows them\n"));
   EXPECT_THAT(Lines(RunKelst({"check", "--all", file.Path()}).out), SizeIs(kCount + 4));
+}
+
+/// Files of more than 2 GiB keep one sector free for locks. A file with a hole takes no room.
+TEST(CheckTest, TheSectorForLocksIsNotLost) {
+  constexpr std::uint32_t kLocked = 0x7FFFF - 1;
+  CompoundFile built =
+      CompoundFileBuilder({.sectorSize = 4096, .extraFatSectors = kLocked / 1024}).Build();
+  LinkSector(built, kLocked, kEndOfChain);
+  const TemporaryFile file(built.bytes);
+  std::filesystem::resize_file(file.Path(), built.layout.SectorOffset(kLocked + 1));
+  EXPECT_EQ(RunKelst({"check", file.Path()}).out, file.Path() + ": clean\n");
 }
 
 TEST(CheckTest, FilesThatAreNoneAreRefusedAndTheOthersChecked) {

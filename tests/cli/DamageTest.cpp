@@ -209,5 +209,23 @@ TEST(DamagedDirectoryTest, OnlyTheFirstOfManyMessagesArePrinted) {
   EXPECT_THAT(result.err, HasSubstr(": 980 more of such problems\n"));
 }
 
+/// Positions have 32 bits, so that the first sector would be read in the place of this one.
+TEST(FourGibibytesTest, WhatLiesBeyondIsNotTakenFromElsewhere) {
+  constexpr std::uint32_t kBeyond = 1U << 20;
+  CompoundFileBuilder builder({.sectorSize = 4096, .extraFatSectors = kBeyond / 1024});
+  builder.AddStream(kRoot, u"Far", Pattern(5000));
+  CompoundFile built = builder.Build();
+  LinkSector(built, built.layout.entries[1].sectors[0], kBeyond);
+  LinkSector(built, kBeyond, kEndOfChain);
+  const TemporaryFile file(built.bytes);
+  std::filesystem::resize_file(file.Path(), built.layout.SectorOffset(kBeyond + 1));
+  const RunResult result = RunKelst({"cat", file.Path(), "Far"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "kelst: " + file.Path() +
+                            ": Far: what lies beyond the first 4 GiB of a file cannot be read\n");
+  EXPECT_THAT(RunKelst({"check", file.Path()}).out, HasSubstr("\nnote file-too-large, 1 found\n"));
+}
+
 }  // namespace
 }  // namespace kelx::test

@@ -16,12 +16,16 @@ using testing::Not;
 TEST(RefusalTest, SaysWhichFieldOfTheHeaderIsWrong) {
   const std::vector<std::tuple<Field, std::uint32_t, std::string>> cases{
       {HeaderField::kMajorVersion, 3, ""},
-      {HeaderField::kSectorShift, 10, "sector shift is 10 (9 or 12 expected)"},
-      {HeaderField::kMiniSectorShift, 7, "mini sector shift is 7 (6 expected)"},
-      {HeaderField::kReserved, 1, "reserved field at byte 34 is 1 (0 expected)"},
-      {HeaderField::kReserved1, 2, "reserved field at byte 36 is 2 (0 expected)"},
+      {HeaderField::kByteOrder, 0, "not a compound file: byte-order mark is 0 (65534 expected)"},
+      {HeaderField::kSectorShift, 10, "not a compound file: sector shift is 10 (9 or 12 expected)"},
+      {HeaderField::kMiniSectorShift, 7,
+       "not a compound file: mini sector shift is 7 (6 expected)"},
+      {HeaderField::kReserved, 1,
+       "not a compound file: reserved field at byte 34 is 1 (0 expected)"},
+      {HeaderField::kReserved1, 2,
+       "not a compound file: reserved field at byte 36 is 2 (0 expected)"},
       {HeaderField::kDirectorySectorCount, 8,
-       "number of directory sectors is 8 (less than 8 expected)"},
+       "its header states 8 directory sectors; kelst reads files that state less than 8"},
   };
   for (const auto& [field, value, message] : cases) {
     CompoundFile file = CompoundFileBuilder().Build();
@@ -29,7 +33,7 @@ TEST(RefusalTest, SaysWhichFieldOfTheHeaderIsWrong) {
     const TemporaryFile changed(file.bytes);
     const RunResult result = RunKelst({"ls", changed.Path()});
     EXPECT_EQ(result.exitCode, message.empty() ? 0 : 3) << message;
-    const std::string start = "kelst: " + changed.Path() + ": not a compound file: ";
+    const std::string start = "kelst: " + changed.Path() + ": ";
     EXPECT_EQ(result.err, message.empty() ? "" : start + message + '\n');
   }
 }
@@ -113,10 +117,16 @@ TEST(ExitCodeTest, WrongUsageIsExplained) {
   }
 }
 
+TEST(ExitCodeTest, AWordThatIsNoCommandIsNamed) {
+  EXPECT_EQ(RunKelst({"chekc", "x"}).err,
+            "kelst: no command named \"chekc\"; see 'kelst --help'\n");
+}
+
 TEST(HelpTest, EveryCommandHasHelpAndAVersion) {
   EXPECT_EQ(RunKelst({"--version"}).out, "kelst " KELX_VERSION "\n");
   EXPECT_THAT(RunKelst({"--help"}).out, HasSubstr("Exit codes:"));
-  for (const std::string command : {"info", "ls", "find", "cat", "hexdump", "extract", "props"}) {
+  for (const std::string command :
+       {"info", "ls", "find", "cat", "hexdump", "extract", "props", "check"}) {
     EXPECT_EQ(RunKelst({command, "--version"}).out, "kelst " KELX_VERSION "\n");
     const RunResult help = RunKelst({command, "--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -134,6 +144,8 @@ TEST(StandardOutputTest, AFullDiskIsReportedAndAClosedPipeIsNot) {
                                                     {"find", sample, "--name", "*"},
                                                     {"ls", sample},
                                                     {"ls", "--json", sample},
+                                                    {"check", sample},
+                                                    {"check", "--json", sample},
                                                     {"info", sample},
                                                     {"--help"}};
   for (const auto& arguments : cases) {

@@ -66,8 +66,11 @@ class ChainChecks {
     if (chain.end != ChainEnd::kProper && chain.end != ChainEnd::kOtherMark) return;
     const std::uint64_t needed = Needed(index);
     if (chain.length == needed) return;
-    const bool isShort = chain.length < needed;
-    AddAtEnd(isShort ? FindingCode::kChainShort : FindingCode::kChainLong, held, [&] {
+    FindingCode code = FindingCode::kChainShort;
+    if (chain.length > needed) {
+      code = held.isMini ? FindingCode::kMiniChainLong : FindingCode::kChainLong;
+    }
+    AddAtEnd(code, held, [&] {
       return "has " + WithUnit(chain.length, "sector") + ", but its size of " +
              WithUnit(map_.SizeOf(index), "byte") + " takes " + Grouped(needed);
     });

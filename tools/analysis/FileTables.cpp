@@ -1,6 +1,7 @@
 #include "tools/analysis/FileTables.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/kelst/Sectors.h"
 
@@ -38,6 +39,15 @@ std::vector<unsigned int> ReadNumbers(std::FILE* file, std::uint64_t offset, std
   return numbers;
 }
 
+/// The table as the file has it, but that no entry looks lost: kUnknownLink is as far beyond every
+/// file as the number before it.
+Table WithoutUnknown(Table table) {
+  for (int i = 0; i < table.Count(); ++i) {
+    if (*std::as_const(table).At(i) == kUnknownLink) *table.At(i) = kUnknownLink - 1;
+  }
+  return table;
+}
+
 }  // namespace
 
 FileTables::FileTables(std::FILE* file)
@@ -46,8 +56,8 @@ FileTables::FileTables(std::FILE* file)
   const std::uint64_t sectors = (fileLength_ + SectorSize() - 1) / SectorSize();
   sectorCount_ =
       static_cast<std::uint32_t>(std::clamp<std::uint64_t>(sectors, 1, kUnknownLink)) - 1;
-  fat_ = image_.getFatSector();
-  miniFat_ = image_.getMiniFatSector();
+  fat_ = WithoutUnknown(image_.getFatSector());
+  miniFat_ = WithoutUnknown(image_.getMiniFatSector());
   FindFat(file);
   std::size_t place = 0;
   ForEachSector(fat_, header_.miniFatStartSect, header_.sectorShift,

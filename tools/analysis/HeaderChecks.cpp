@@ -133,6 +133,11 @@ void CheckHeader(const Subject& subject, FindingList& findings) {
     AddAt(findings, FindingCode::kHeaderCut, subject.tables.FileLength(),
           "the file ends within its header");
   }
+  const std::uint32_t sectors = subject.tables.SectorCount();
+  if (sectors > 0 && !IsWithinReach(sectors - 1, subject.tables.Header().sectorShift)) {
+    AddAt(findings, FindingCode::kFileTooLarge, UINT32_MAX,
+          "kelst does not read what lies beyond the first 4 GiB of a file");
+  }
   CheckCounts(subject, findings);
   CheckFatList(subject, findings);
   CheckDifatChain(subject, findings);

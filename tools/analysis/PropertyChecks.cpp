@@ -166,6 +166,7 @@ class PropertySetChecks {
     }
   }
 
+  /// A section that states none has that of the section before.
   [[nodiscard]] std::uint16_t CodePageOf(std::uint64_t section, std::uint64_t table,
                                          std::uint64_t end) const {
     for (std::uint64_t entry = table; entry < end; entry += kTableEntryBytes) {
@@ -173,7 +174,7 @@ class PropertySetChecks {
       const std::uint64_t value = section + bytes_.At<std::uint32_t>(entry + sizeof(kCodePageId));
       return bytes_.At<std::uint16_t>(value + sizeof(kTwoByteInteger));
     }
-    return 0;
+    return codePage_;
   }
 
   void CheckValue(std::uint64_t entry, std::uint32_t id, std::uint64_t value) {

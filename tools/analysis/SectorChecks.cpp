@@ -8,6 +8,10 @@ namespace kelst {
 
 namespace {
 
+/// The sector with this byte, if a file has it, belongs to nobody: programs that share the file
+/// lock bytes there.
+constexpr std::uint64_t kLockedByte = 0x7FFFFF00;
+
 /// What makes neighbouring sectors one finding.
 struct Kind {
   FindingCode code = FindingCode::kSectorLost;
@@ -78,9 +82,10 @@ std::uint32_t UsedEnd(const SectorClaims& claims) {
   return end;
 }
 
-/// `there`: how many sectors there are, of those that the table has entries for.
+/// `there`: how many sectors there are, of those that the table has entries for. `locked`: one that
+/// may be marked as in use and belong to nobody.
 void CheckTable(const SectorClaims& claims, Place::Unit unit, std::uint32_t there,
-                FindingList& findings) {
+                std::uint32_t locked, FindingList& findings) {
   const auto add = [&](const Kind& kind, std::uint32_t first, std::uint32_t length) {
     // Mini sectors beyond the mini stream are an error of their own.
     if (kind.code == FindingCode::kFatEntryStray && unit == Place::Unit::kMiniSector) return;
@@ -93,6 +98,8 @@ void CheckTable(const SectorClaims& claims, Place::Unit unit, std::uint32_t ther
   Runs<Kind, decltype(add)> runs(add);
   const std::uint32_t usedEnd = UsedEnd(claims);
   for (std::uint32_t sector = 0; sector < claims.Count(); ++sector) {
+    const bool isLocked = sector == locked && claims.Link(sector) == kEndMark;
+    if (isLocked && claims.Use(sector) == SectorUse::kLost) continue;
     const auto kind = FaultOf(claims, sector, sector < there, sector >= usedEnd);
     if (kind) runs.Add(*kind, sector);
   }
@@ -131,8 +138,10 @@ void CheckTail(const Subject& subject, FindingList& findings) {
 
 void CheckSectors(const Subject& subject, FindingList& findings) {
   const SectorMap& map = subject.map;
-  CheckTable(map.Sectors(), Place::Unit::kSector, subject.tables.SectorCount(), findings);
-  CheckTable(map.MiniSectors(), Place::Unit::kMiniSector, map.MiniSectorCount(), findings);
+  const auto locked = static_cast<std::uint32_t>(kLockedByte / subject.tables.SectorSize() - 1);
+  CheckTable(map.Sectors(), Place::Unit::kSector, subject.tables.SectorCount(), locked, findings);
+  CheckTable(map.MiniSectors(), Place::Unit::kMiniSector, map.MiniSectorCount(), kFreeMark,
+             findings);
   CheckMiniStreamLength(map, findings);
   CheckTail(subject, findings);
 }

@@ -40,7 +40,7 @@ Chain SectorClaims::Claim(std::uint32_t start, SectorUse use, std::uint32_t owne
     chain.end = ChainEnd::kOtherMark;
     if (next >= kFirstMark) return chain;
     chain.end = ChainEnd::kUnknown;
-    if (next == kUnknownLink) return chain;
+    if (next == kUnknownLink && chain.length > 0) return chain;
     chain.end = ChainEnd::kNoEntry;
     if (next >= count_) return chain;
     chain.end = holders_[next] == holder ? ChainEnd::kLoop : ChainEnd::kCrossing;

@@ -1,7 +1,7 @@
-#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/kelst/Arguments.h"
@@ -16,6 +16,9 @@ namespace kelst {
 namespace {
 
 constexpr std::uint64_t kMostShown = 5;
+
+/// With --all. A finding takes some 200 bytes, and four bytes of a FAT can make one.
+constexpr std::uint64_t kMostKept = 1'000'000;
 
 constexpr const char* kCheckHelp =
     "Errors say that content is lost or doubtful, warnings that a rule of the format is broken,\n"
@@ -39,15 +42,18 @@ void PrintFinding(const Finding& finding, EntryPaths& paths, Output& out) {
   out.Write(line + PlaceText(finding.place) + ": " + finding.text + '\n');
 }
 
-void PrintText(const std::string& name, const FindingList& findings, EntryPaths& paths,
+void PrintText(const std::string& name, const FindingList& findings, bool all, EntryPaths& paths,
                Output& out) {
   out.Write(name + ": " + TotalsText(findings) + '\n');
   ForEachGroup(findings, [&](const CodeFacts& facts, const FindingList::Group& group) {
     out.Write(std::string(NameOf(facts.severity)) + ' ' + std::string(facts.name) + ", " +
               Grouped(group.count) + " found\n");
-    for (const Finding& finding : group.kept) PrintFinding(finding, paths, out);
+    for (const Finding& finding : group.kept) {
+      if (!out.IsGood()) return;
+      PrintFinding(finding, paths, out);
+    }
     const std::uint64_t more = group.count - group.kept.size();
-    if (more > 0) out.Write("  " + Grouped(more) + " more; --all shows them\n");
+    if (more > 0) out.Write("  " + Grouped(more) + (all ? " more\n" : " more; --all shows them\n"));
   });
 }
 
@@ -72,35 +78,45 @@ Json FindingJson(const Finding& finding, const InspectedFile& file) {
   return json;
 }
 
+/// Writes an object without its end, which must not be empty, for more members to follow.
+void OpenObject(const Json& object, Output& out) {
+  std::string text = object.dump();
+  text.back() = ',';
+  out.Write(text);
+}
+
+/// The findings go out one by one: all of those of a damaged file would fill the memory.
 void PrintJson(const std::string& path, const InspectedFile& file, const FindingList& findings,
                Output& out) {
-  Json groups = Json::array();
+  OpenObject({{"file", KELXString::fromUtf8(path).toUtf8()},
+              {"clean", IsClean(findings)},
+              {"errors", findings.CountOf(Severity::kError)},
+              {"warnings", findings.CountOf(Severity::kWarning)},
+              {"notes", findings.CountOf(Severity::kNote)}},
+             out);
+  std::string before = "\"groups\":[";
   ForEachGroup(findings, [&](const CodeFacts& facts, const FindingList::Group& group) {
-    Json shown = Json::array();
-    for (const Finding& finding : group.kept) shown.push_back(FindingJson(finding, file));
-    groups.push_back({{"code", facts.name},
-                      {"severity", NameOf(facts.severity)},
-                      {"count", group.count},
-                      {"findings", std::move(shown)}});
+    out.Write(std::exchange(before, ","));
+    OpenObject({{"code", facts.name}, {"severity", NameOf(facts.severity)}, {"count", group.count}},
+               out);
+    std::string comma = "\"findings\":[";
+    for (const Finding& finding : group.kept) {
+      if (!out.IsGood()) return;
+      out.Write(std::exchange(comma, ",") + FindingJson(finding, file).dump());
+    }
+    out.Write("]}");
   });
-  const Json document{{"file", KELXString::fromUtf8(path).toUtf8()},
-                      {"clean", IsClean(findings)},
-                      {"errors", findings.CountOf(Severity::kError)},
-                      {"warnings", findings.CountOf(Severity::kWarning)},
-                      {"notes", findings.CountOf(Severity::kNote)},
-                      {"groups", std::move(groups)}};
-  out.Write(document.dump() + '\n');
+  out.Write((before == "," ? "" : before) + "]}\n");
 }
 
 void CheckFile(const std::string& path, const CheckOptions& options, Report& report) {
   const auto file = InspectedFile::Open(path, report);
   if (!file) return;
-  const FindingList findings =
-      file->Check(options.all ? std::numeric_limits<std::uint64_t>::max() : kMostShown);
+  const FindingList findings = file->Check(options.all ? kMostKept : kMostShown);
   if (options.json) {
     PrintJson(path, *file, findings, report.Out());
   } else {
-    PrintText(Printable(path), findings, file->Paths(), report.Out());
+    PrintText(Printable(path), findings, options.all, file->Paths(), report.Out());
   }
   if (!IsClean(findings)) report.Raise(ExitCode::kFailed);
   file->ReportChange(report);

@@ -33,6 +33,7 @@ std::uint64_t CompoundFile::MiniSectorOffset(unsigned int miniSector) const {
   const unsigned int shift = Image().getHeader().sectorShift;
   if (offset >> shift >= miniStreamSectors_.size()) return UINT64_MAX;
   const unsigned int sector = miniStreamSectors_[offset >> shift];
+  if (!IsWithinReach(sector, shift)) return UINT64_MAX;
   return Image().getEquivalentFatBytePos(sector) + offset % (std::uint64_t{1} << shift);
 }
 
@@ -47,7 +48,7 @@ std::unique_ptr<CompoundFile> CompoundFile::Open(const std::string& path, Report
   auto root = std::make_unique<KELIStorage>(KELXFilePath(path.c_str()));
   const KELStStorageFileInfo& image = *root->getStStorageFileInfo();
   if (!image.checkValidity()) {
-    return refuse("not a compound file: " + WhyRefused(image.getHeader(), state->Size()));
+    return refuse(WhyRefused(image.getHeader(), state->Size()));
   }
   return std::unique_ptr<CompoundFile>(new CompoundFile(path, *state, std::move(root)));
 }

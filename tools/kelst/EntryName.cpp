@@ -23,9 +23,11 @@ struct Range {
 
 /// Characters that show as nothing, break lines or change the direction of what follows.
 constexpr std::array kUnseen{
-    Range{0x00AD, 0x00AD}, Range{0x061C, 0x061C}, Range{0x180E, 0x180E},
-    Range{0x200B, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
-    Range{0xFEFF, 0xFEFF}, Range{0xFFF0, 0xFFFB}, Range{0xFFFE, 0xFFFF},
+    Range{0x00AD, 0x00AD},   Range{0x034F, 0x034F}, Range{0x061C, 0x061C}, Range{0x115F, 0x1160},
+    Range{0x17B4, 0x17B5},   Range{0x180B, 0x180F}, Range{0x200B, 0x200F}, Range{0x2028, 0x202E},
+    Range{0x2060, 0x206F},   Range{0x3164, 0x3164}, Range{0xFE00, 0xFE0F}, Range{0xFEFF, 0xFEFF},
+    Range{0xFFA0, 0xFFA0},   Range{0xFFF0, 0xFFFB}, Range{0xFFFE, 0xFFFF}, Range{0x1D173, 0x1D17A},
+    Range{0xE0000, 0xE0FFF},
 };
 
 bool IsControl(char32_t codePoint) {
@@ -39,7 +41,12 @@ bool NeedsEscape(char32_t codePoint) {
          });
 }
 
+/// A character beyond the first 65,536 takes two escapes, as it takes two units in a name.
 void AppendEscape(std::string& text, char escape, char32_t unit) {
+  if (unit >= 0x10000) {
+    AppendEscape(text, escape, 0xD800 + ((unit - 0x10000) >> 10));
+    unit = 0xDC00 + (unit & 0x3FF);
+  }
   std::array<char, sizeof("\\uHHHH")> digits;
   const char* const format = unit < 0x100 ? "%cx%02X" : "%cu%04X";
   static_cast<void>(

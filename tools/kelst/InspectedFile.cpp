@@ -17,7 +17,7 @@ std::unique_ptr<InspectedFile> InspectedFile::Open(const std::string& path, Repo
   if (!file) return refuse("cannot be opened again");
   auto tables = std::make_unique<const FileTables>(file.get());
   if (!tables->IsAccepted()) {
-    return refuse("not a compound file: " + WhyRefused(tables->Header(), state->Size()));
+    return refuse(WhyRefused(tables->Header(), state->Size()));
   }
   return std::unique_ptr<InspectedFile>(
       new InspectedFile(path, *state, std::move(file), std::move(tables)));

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "tools/kelst/OpenedFile.h"
+#include "tools/kelst/Sectors.h"
 #include "tools/kelst/ValueText.h"
 
 namespace kelst {
@@ -19,6 +20,26 @@ std::string Expected(const std::string& what, unsigned int found, const std::str
   return what + " is " + std::to_string(found) + " (" + expected + " expected)";
 }
 
+bool IsSectorShift(unsigned int shift) { return shift == 9 || shift == 12; }
+
+// The sector shift comes first: of a file that is something else altogether it tells most. A wrong
+// byte-order mark makes it, too, read wrong.
+std::string WhyNone(const KELStStorageHeader& header, std::uint64_t size) {
+  if (size == 0) return "the file is empty";
+  if (size < kShiftsEnd) return "the file is too short (" + WithUnit(size, "byte") + ")";
+  const unsigned int shift = header.sectorShift;
+  if (!IsSectorShift(shift) && IsSectorShift(InFileOrder(header, header.sectorShift))) {
+    return Expected("byte-order mark", header.byteOrder, std::to_string(kHostMark));
+  }
+  if (!IsSectorShift(shift)) return Expected("sector shift", shift, "9 or 12");
+  if (header.miniSectorShift != 6) {
+    return Expected("mini sector shift", header.miniSectorShift, "6");
+  }
+  if (header.reserved != 0) return Expected("reserved field at byte 34", header.reserved, "0");
+  if (header.reserved1 != 0) return Expected("reserved field at byte 36", header.reserved1, "0");
+  return "the file could not be read";
+}
+
 }  // namespace
 
 std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state) {
@@ -28,22 +49,15 @@ std::string WhyNotOpened(const std::string& path, const std::optional<FileState>
   return OpenForReading(KELXFilePath(path.c_str())) ? "" : SystemMessage();
 }
 
-// The sector shift comes first: of a file that is something else altogether it tells most.
+// A directory may be large in a file that is sound; the library refuses the file all the same.
 std::string WhyRefused(const KELStStorageHeader& header, std::uint64_t size) {
-  if (size == 0) return "the file is empty";
-  if (size < kShiftsEnd) return "the file is too short (" + WithUnit(size, "byte") + ")";
-  if (header.sectorShift != 9 && header.sectorShift != 12) {
-    return Expected("sector shift", header.sectorShift, "9 or 12");
+  const bool isSound = IsSectorShift(header.sectorShift) && header.miniSectorShift == 6 &&
+                       header.reserved == 0 && header.reserved1 == 0;
+  if (isSound && header.numDirSects >= kDirectorySectorsEnd) {
+    return "its header states " + WithUnit(header.numDirSects, "directory sector") +
+           "; kelst reads files that state less than " + std::to_string(kDirectorySectorsEnd);
   }
-  if (header.miniSectorShift != 6) {
-    return Expected("mini sector shift", header.miniSectorShift, "6");
-  }
-  if (header.reserved != 0) return Expected("reserved field at byte 34", header.reserved, "0");
-  if (header.reserved1 != 0) return Expected("reserved field at byte 36", header.reserved1, "0");
-  if (header.numDirSects >= kDirectorySectorsEnd) {
-    return Expected("number of directory sectors", header.numDirSects, "less than 8");
-  }
-  return "the file could not be read";
+  return "not a compound file: " + WhyNone(header, size);
 }
 
 }  // namespace kelst

@@ -13,7 +13,7 @@ namespace kelst {
 /// right after the state, as it takes the reason for a missing one from errno.
 std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state);
 
-/// Why a file of `size` bytes with this header is no compound file.
+/// Why the library refuses a file of `size` bytes with this header.
 std::string WhyRefused(const KELStStorageHeader& header, std::uint64_t size);
 
 }  // namespace kelst

@@ -15,17 +15,25 @@ inline constexpr unsigned int kFirstMark = 0xFFFFFFFC;
 /// Stands in a table for what a missing sector would say. No file has a sector of this number.
 inline constexpr unsigned int kUnknownLink = 0xFFFFFFFB;
 
-/// Whether numbers in the file stand as the host has them, little-endian.
+/// The byte-order mark of a file whose numbers stand as the host has them, little-endian.
+inline constexpr unsigned short kHostMark = 0xFFFE;
+
 inline bool IsHostByteOrder(const KELStStorageHeader& header) {
-  constexpr unsigned short kHostMark = 0xFFFE;
   return header.byteOrder == kHostMark;
 }
 
-/// A version of the header. The library reads it as the host would, whatever order the file has.
+/// A number of the header, its bytes reversed unless the file has the order of the host. The
+/// library reads the versions as the host would, whatever order the file has.
 inline unsigned short InFileOrder(const KELStStorageHeader& header, unsigned short version) {
   const auto bytes = std::bit_cast<std::array<unsigned char, sizeof(version)>>(version);
   KELMakeValue(bytes.data(), &version, sizeof(version), IsHostByteOrder(header));
   return version;
+}
+
+/// Whether the library reads a sector from where it is: its positions have 32 bits, and begin again
+/// at the first sector.
+inline bool IsWithinReach(unsigned int sector, unsigned int shift) {
+  return std::uint64_t{sector} << shift <= UINT32_MAX;
 }
 
 /// The sector that follows `sector` in its chain; the mark of the end where the table has none.

@@ -21,6 +21,7 @@ bool IsInMiniStream(const CompoundFile& file, const KELStStorageDirEntry& entry)
 struct Extent {
   std::uint64_t held = 0;  ///< bytes in the sectors of the chain
   bool isInFile = true;    ///< the file goes as far; the library reads zeros beyond its end
+  bool isWithinReach = true;
 };
 
 /// The extent of the first `size` bytes of a stream.
@@ -39,6 +40,8 @@ Extent ExtentOf(const CompoundFile& file, const KELStStorageDirEntry& entry, std
   } else {
     ForEachSector(image.getFatSector(), entry.getStartSect(), image.getHeader().sectorShift, size,
                   [&](unsigned int sector, std::uint64_t length) {
+                    const unsigned int shift = image.getHeader().sectorShift;
+                    extent.isWithinReach = extent.isWithinReach && IsWithinReach(sector, shift);
                     add(image.getEquivalentFatBytePos(sector), length);
                   });
   }
@@ -60,8 +63,11 @@ StreamContent::StreamContent(CompoundFile& file, std::uint32_t index, ByteRange 
     readEnd_ = std::min(end_, extent.held);
     position_ = std::min(range.offset, readEnd_);
     IsInMiniStream(file, entry) ? OpenInMiniStream(entry) : OpenInFile(entry);
-    if (stream_ || openFile_) return;
-    whyNotRead_ = "damaged: its chain of sectors cannot be followed to the end";
+    if (!stream_ && !openFile_) {
+      whyNotRead_ = "damaged: its chain of sectors cannot be followed to the end";
+    } else if (!extent.isWithinReach) {
+      whyNotRead_ = "what lies beyond the first 4 GiB of a file cannot be read";
+    }
   }
 }
 

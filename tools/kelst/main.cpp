@@ -57,6 +57,16 @@ std::string CommandOf(const CLI::App& app) {
   return chosen.empty() ? "kelst" : "kelst " + chosen.front()->get_name();
 }
 
+/// What is wrong with the command line. Of a word that is no command the parser says nothing.
+std::string WhyNotParsed(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv) {
+  const std::string first = argc > 1 ? argv[1] : "";
+  const bool isMeantAsCommand = !first.empty() && first[0] != '-';
+  if (app.get_subcommands().empty() && isMeantAsCommand) {
+    return "no command named \"" + Printable(first) + '"';
+  }
+  return Printable(error.what());
+}
+
 void Run(int argc, char** argv, Report& report) {
   CLI::App app("Looks into compound files and takes out what they hold.", "kelst");
   AddCommands(app, report);
@@ -68,7 +78,7 @@ void Run(int argc, char** argv, Report& report) {
     report.Out().Write(text.str());
   } catch (const CLI::ParseError& error) {
     report.Fail(ExitCode::kUsage,
-                Printable(error.what()) + "; see '" + CommandOf(app) + " --help'");
+                WhyNotParsed(app, error, argc, argv) + "; see '" + CommandOf(app) + " --help'");
   }
 }
 
