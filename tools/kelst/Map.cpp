@@ -16,7 +16,9 @@ constexpr const char* kMapHelp =
     "last, or runs of sectors where there are more than 16,384; colours tell what they hold. "
     "Below\n"
     "it stand the streams: how large they are, and in how many fragments. Point at a cell to see\n"
-    "what it is.\n";
+    "what it is. Lost sectors are marked as in use, but part of nothing; appended ones lie behind\n"
+    "all that the file's tables know of; missing ones belong to a stream, but lie beyond the end\n"
+    "of the file.\n";
 
 struct MapOptions {
   std::string file;

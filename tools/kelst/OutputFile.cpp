@@ -61,7 +61,7 @@ std::string FileNameOf(const std::string& path) {
 
 void AddOutputOption(CLI::App& command, std::string& path) {
   AddText(command, "-o,--output", path,
-          "The file to write, replaced if it exists; - for standard output")
+          "File to write, replaced if there, but never FILE; - is standard output")
       ->required()
       ->type_name("OUTPUT");
 }
