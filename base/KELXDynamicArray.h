@@ -117,9 +117,15 @@ class KELXDynamicArray : public KELXArrayFreeCallback {
   /// What Clear does: destroys every element in index order, unless other arrays still share them,
   /// and sets the count to 0.
   void Callback() override {
-    if (!kelxArrayIsShared(header_)) {
-      for (int i = 0, count = Count(); i < count; ++i) Data()[i].~T();
+    if (kelxArrayIsShared(header_)) {
+      // The others may go at any moment, on threads of their own: who is last destroys the
+      // elements.
+      KELXDynamicArray shared(*this);
+      kelxArrayFree(header_, this);
+      header_ = Allocate(shared.Capacity());
+      return;
     }
+    for (int i = 0, count = Count(); i < count; ++i) Data()[i].~T();
     kelxArrayClear(header_);
   }
 

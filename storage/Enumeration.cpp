@@ -1,4 +1,4 @@
-#include <unordered_set>
+#include <set>
 #include <vector>
 
 #include "compound/SectorChain.h"
@@ -11,7 +11,8 @@ namespace {
 /// The highest value of a sibling link that names an entry.
 constexpr unsigned int kLastSiblingLink = 0xFFFFFFFD;
 
-/// A set of directory indexes. Those inside the directory cost one bit each.
+/// A set of directory indexes. Those inside the directory cost one bit each. The others stand in a
+/// tree: links can be chosen so that all of them meet in one place of a hash table.
 class IndexSet {
  public:
   explicit IndexSet(int directorySize) : inside_(static_cast<std::size_t>(directorySize)) {}
@@ -26,7 +27,7 @@ class IndexSet {
 
  private:
   std::vector<bool> inside_;
-  std::unordered_set<unsigned long> outside_;
+  std::set<unsigned long> outside_;
 };
 
 }  // namespace

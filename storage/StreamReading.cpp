@@ -68,8 +68,11 @@ int KELIStorage::getStreamFromFat(const KELStStorageDirEntry& entry, KELIStream*
 
 int KELIStorage::getStreamFromMiniFat(const KELStStorageDirEntry& entry, KELIStream** stream) {
   if (stream == nullptr || !image_) return -1;
-  // A chain without loops has no more mini sectors than the mini FAT has entries, and one more.
-  const std::uint64_t mostSteps = std::uint64_t{image_->getMiniFatSector().Count() + 1U};
+  // A chain without loops has no more mini sectors than the mini FAT has entries, nor than the mini
+  // stream has, and one more. One that loops gives the bytes of a usual small stream all the same.
+  const int room = std::max(image_->getMiniStream().Count(), kUsualCutoff) / int{kMiniSectorSize};
+  const int most = std::min(image_->getMiniFatSector().Count(), room);
+  const auto mostSteps = static_cast<std::uint64_t>(most) + 1;
   *stream = new KELIStream(0);
   if (!AppendMiniSectors(*image_, entry.getStartSect(), BytesWanted(entry), mostSteps,
                          (*stream)->bytes_)) {
