@@ -188,6 +188,31 @@ TEST(Hostile, ChainsThroughSectorsBeyondTheEnd) {
   ExpectHarmless("all chains run on", file.bytes);
 }
 
+/// Thousands of streams and property sets on one mini sector that loops, in a mini FAT that goes on
+/// beyond the end of the file.
+TEST(Hostile, SmallStreamsThatLoop) {
+  constexpr EntryIndex kStreams = 4000;
+  CompoundFileBuilder builder({.extraFatSectors = 250});
+  builder.AddStream(kRoot, u"small", Pattern(64));
+  for (EntryIndex i = 1; i < kStreams; ++i) {
+    const char16_t name[] = {u'\x05', static_cast<char16_t>(0x4E00 + i)};
+    builder.AddStream(kRoot, {name, 2}, {});
+  }
+  CompoundFile file = builder.Build();
+  PatchHeader(file, HeaderField::kMiniStreamCutoff, 0xFFFFFFFF);
+  LinkMiniSectorToItself(file, 0);
+  LinkSector(file, file.layout.miniFat.back(), file.layout.sectorCount);
+  const auto end = static_cast<std::uint32_t>(file.layout.fat.size() * 128 - 1);
+  for (std::uint32_t sector = file.layout.sectorCount; sector < end; ++sector) {
+    LinkSector(file, sector, sector + 1);
+  }
+  for (EntryIndex i = 1; i <= kStreams; ++i) {
+    PatchEntry(file, i, EntryField::kStartSector, 0);
+    PatchEntry(file, i, EntryField::kSize, i % 2 == 0 ? 0x80000000 : 0x7FFFFFFF);
+  }
+  ExpectHarmless("4,000 small streams that loop", file.bytes);
+}
+
 TEST(Hostile, ManyEntries) {
   Format format;
   format.siblings = Siblings::kRightList;
