@@ -16,10 +16,10 @@ NameIndex::NameIndex(const KELXDynamicArray<KELStStorageDirEntry>& entries,
                     [](const Slot& slot) { return std::pair(slot.hash, slot.position); });
   // Of entries that share a name only the first can be found. Without the others names need hardly
   // ever be compared to sort, not even when one name stands a million times.
-  const auto repeated = std::ranges::unique(slots_, [this](const Slot& a, const Slot& b) {
+  const auto isRepeated = [this](const Slot& a, const Slot& b) {
     return a.hash == b.hash && Order(a, b.hash, NameOf(b)) == 0;
-  });
-  slots_.erase(repeated.begin(), repeated.end());
+  };
+  slots_.erase(std::unique(slots_.begin(), slots_.end(), isRepeated), slots_.end());
   if (std::ranges::adjacent_find(slots_, {}, &Slot::hash) == slots_.end()) return;
   std::ranges::sort(slots_, [this](const Slot& a, const Slot& b) {
     const int order = Order(a, b.hash, NameOf(b));
