@@ -10,7 +10,6 @@
 #include "compound/KELStStorageFileInfo.h"
 #include "compound/SectorChain.h"
 
-using kelx::internal::SectorChain;
 using kelx::internal::SectorRuns;
 
 namespace {
