@@ -75,7 +75,7 @@ valgrind: ## the tests under valgrind, which finds leaks and reads of what was n
 	$(call build,release,-DKELX_BUILD_TESTS=ON)
 	@for test in $$(ls build/release/tests/kelx_*_tests | grep -v hostile); do \
 	  echo "$$test" && valgrind --quiet --trace-children=yes --leak-check=full --error-exitcode=99 \
-	    --suppressions=tests/valgrind.supp "$$test" --gtest_brief=1 || exit 1; \
+	    --suppressions=$(CURDIR)/tests/valgrind.supp "$$test" --gtest_brief=1 || exit 1; \
 	done
 
 coverage: ## lines of the library that the tests reach: build/coverage.txt, build/coverage/html
