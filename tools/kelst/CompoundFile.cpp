@@ -38,23 +38,19 @@ std::uint64_t CompoundFile::MiniSectorOffset(unsigned int miniSector) const {
 }
 
 std::unique_ptr<CompoundFile> CompoundFile::Open(const std::string& path, Report& report) {
-  const auto refuse = [&](const std::string& reason) {
-    report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + reason);
-    return nullptr;
-  };
-  const auto state = FileState::Of(path);
-  const std::string reason = WhyNotOpened(path, state);
-  if (!reason.empty()) return refuse(reason);
+  const auto state = StateToRead(path, report);
+  if (!state) return nullptr;
   auto root = std::make_unique<KELIStorage>(KELXFilePath(path.c_str()));
   const KELStStorageFileInfo& image = *root->getStStorageFileInfo();
   if (!image.checkValidity()) {
-    return refuse(WhyRefused(image.getHeader(), state->Size()));
+    ReportRefusal(path, image.getHeader(), state->Size(), report);
+    return nullptr;
   }
   return std::unique_ptr<CompoundFile>(new CompoundFile(path, *state, std::move(root)));
 }
 
 void CompoundFile::ReportChange(Report& report) const {
-  if (HasChanged()) report.Fail(ExitCode::kFailed, name_ + ": " + kChanged);
+  kelst::ReportChange(path_, state_, report);
 }
 
 void CompoundFile::ReportProblems(Report& report) const {

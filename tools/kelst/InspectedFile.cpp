@@ -6,26 +6,24 @@
 namespace kelst {
 
 std::unique_ptr<InspectedFile> InspectedFile::Open(const std::string& path, Report& report) {
-  const auto refuse = [&](const std::string& reason) {
-    report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + reason);
-    return nullptr;
-  };
-  const auto state = FileState::Of(path);
-  const std::string reason = WhyNotOpened(path, state);
-  if (!reason.empty()) return refuse(reason);
+  const auto state = StateToRead(path, report);
+  if (!state) return nullptr;
   OpenedFile file = OpenForReading(KELXFilePath(path.c_str()));
-  if (!file) return refuse("cannot be opened again");
+  if (!file) {
+    report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + kChanged);
+    return nullptr;
+  }
   auto tables = std::make_unique<const FileTables>(file.get());
   if (!tables->IsAccepted()) {
-    return refuse(WhyRefused(tables->Header(), state->Size()));
+    ReportRefusal(path, tables->Header(), state->Size(), report);
+    return nullptr;
   }
   return std::unique_ptr<InspectedFile>(
       new InspectedFile(path, *state, std::move(file), std::move(tables)));
 }
 
 void InspectedFile::ReportChange(Report& report) const {
-  if (FileState::Of(path_) == state_) return;
-  report.Fail(ExitCode::kFailed, Printable(path_) + ": " + kChanged);
+  kelst::ReportChange(path_, state_, report);
 }
 
 FindingList InspectedFile::Check(std::uint64_t mostKept) const {

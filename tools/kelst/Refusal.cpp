@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tools/kelst/EntryName.h"
 #include "tools/kelst/OpenedFile.h"
 #include "tools/kelst/Sectors.h"
 #include "tools/kelst/ValueText.h"
@@ -40,8 +41,7 @@ std::string WhyNone(const KELStStorageHeader& header, std::uint64_t size) {
   return "the file could not be read";
 }
 
-}  // namespace
-
+/// The empty string when a file in `state` can be read. The reason why there is none is in errno.
 std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state) {
   if (!state) return SystemMessage();
   if (S_ISDIR(state->Mode())) return "is a directory";
@@ -58,6 +58,30 @@ std::string WhyRefused(const KELStStorageHeader& header, std::uint64_t size) {
            "; kelst reads files that state less than " + std::to_string(kDirectorySectorsEnd);
   }
   return "not a compound file: " + WhyNone(header, size);
+}
+
+void ReportNotOpened(const std::string& path, const std::string& reason, Report& report) {
+  report.Fail(ExitCode::kNotOpened, Printable(path) + ": " + reason);
+}
+
+}  // namespace
+
+std::optional<FileState> StateToRead(const std::string& path, Report& report) {
+  auto state = FileState::Of(path);
+  const std::string reason = WhyNotOpened(path, state);
+  if (reason.empty()) return state;
+  ReportNotOpened(path, reason, report);
+  return std::nullopt;
+}
+
+void ReportRefusal(const std::string& path, const KELStStorageHeader& header, std::uint64_t size,
+                   Report& report) {
+  ReportNotOpened(path, WhyRefused(header, size), report);
+}
+
+void ReportChange(const std::string& path, const FileState& before, Report& report) {
+  if (FileState::Of(path) == before) return;
+  report.Fail(ExitCode::kFailed, Printable(path) + ": " + kChanged);
 }
 
 }  // namespace kelst

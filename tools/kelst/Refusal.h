@@ -6,14 +6,18 @@
 
 #include "KELXStStorage.h"
 #include "tools/kelst/FileState.h"
+#include "tools/kelst/Report.h"
 
 namespace kelst {
 
-/// Why the file at `path`, which is in `state`, cannot be read; the empty string when it can. Asked
-/// right after the state, as it takes the reason for a missing one from errno.
-std::string WhyNotOpened(const std::string& path, const std::optional<FileState>& state);
+/// The state of the file at `path`; nothing, with the reason reported, when it cannot be read.
+std::optional<FileState> StateToRead(const std::string& path, Report& report);
 
-/// Why the library refuses a file of `size` bytes with this header.
-std::string WhyRefused(const KELStStorageHeader& header, std::uint64_t size);
+/// Reports why the library refuses the file of `size` bytes at `path`, which has this header.
+void ReportRefusal(const std::string& path, const KELStStorageHeader& header, std::uint64_t size,
+                   Report& report);
+
+/// Reports when the file at `path` is not in `before` any more.
+void ReportChange(const std::string& path, const FileState& before, Report& report);
 
 }  // namespace kelst
